@@ -1,0 +1,45 @@
+# Which parts can be built here. The library needs only a compiler; a part that lacks a package is
+# left out, and said so. Where CADROVA_STRICT is on, nothing may be left out.
+
+function(cadrova_leave_out part what package)
+  if(CADROVA_STRICT)
+    message(FATAL_ERROR "${part} needs ${what}; install ${package} or run scripts/setup")
+  endif()
+  message(STATUS "Left out: ${part}, which needs ${what} (${package}); scripts/setup installs it")
+endfunction()
+
+find_path(TOMLPLUSPLUS_INCLUDE_DIR toml++/toml.h)
+find_package(CLI11 QUIET)
+find_package(nlohmann_json QUIET)
+find_path(GOOGLETEST_SOURCE_DIR googletest/CMakeLists.txt PATHS /usr/src/googletest
+  NO_CMAKE_FIND_ROOT_PATH)
+mark_as_advanced(TOMLPLUSPLUS_INCLUDE_DIR GOOGLETEST_SOURCE_DIR)
+
+set(CADROVA_HAS_CORE ON)
+if(NOT CADROVA_CORE_LIBRARY AND NOT TOMLPLUSPLUS_INCLUDE_DIR)
+  set(CADROVA_HAS_CORE OFF)
+  cadrova_leave_out("the stand-in parser core" "toml++" "libtomlplusplus-dev")
+  message(STATUS "libcadrova_cpp.so is linked without libcadrova_ffi.so; CADROVA_CORE_LIBRARY names one")
+endif()
+
+set(CADROVA_BUILD_COMMAND OFF)
+if(NOT CADROVA_HAS_CORE)
+  message(STATUS "Left out: the cadrova command, which needs a parser core")
+elseif(NOT CLI11_FOUND)
+  cadrova_leave_out("the cadrova command" "CLI11" "libcli11-dev")
+elseif(NOT nlohmann_json_FOUND)
+  cadrova_leave_out("the cadrova command" "nlohmann's JSON" "nlohmann-json3-dev")
+else()
+  set(CADROVA_BUILD_COMMAND ON)
+endif()
+
+set(CADROVA_BUILD_TESTS OFF)
+if(CADROVA_CORE_LIBRARY OR CADROVA_BASE_LIBRARY)
+  message(STATUS "Left out: the tests, which are about the stand-ins too")
+elseif(NOT CADROVA_BUILD_COMMAND)
+  message(STATUS "Left out: the tests, which need the cadrova command")
+elseif(NOT GOOGLETEST_SOURCE_DIR)
+  cadrova_leave_out("the tests" "GoogleTest's sources" "googletest")
+else()
+  set(CADROVA_BUILD_TESTS ON)
+endif()

@@ -1,0 +1,71 @@
+/// How is this device unit customized?
+///
+/// Customization data lies in named maps inside the parser core (`libcadrova_ffi`). Each function
+/// here asks for one item of one value kind by its feature key and returns it as a
+/// standard-library value. There is one function per value kind in each family:
+///
+///   kind         type                                                 missing item yields
+///   Boolean      bool                                                 default_value
+///   Int          int (signed 32-bit)                                  default_value
+///   Float        float (32-bit IEEE)                                  default_value
+///   String       std::string (bytes of no particular encoding)        default_value
+///   StringArray  std::vector<std::string>                             an empty list
+///   IntArray     std::vector<int>                                     an empty list
+///   MapArray     std::vector<std::pair<std::string, std::string>>     an empty list
+///
+/// An item of one kind does not exist as another. MapArray pairs are (key, value), in the order of
+/// the data, duplicates kept. A String ends before its first NUL byte.
+///
+/// Arguments and results are values: the caller owns what it passes and what it gets. Any string
+/// may be empty and is passed to the core unchanged. Nothing is thrown and there is no error
+/// result; a length that the standard library can't represent ends the process.
+///
+/// Thread safety: any function may be called from any thread at any time. The library has no
+/// state, takes no lock and needs no initialisation.
+///
+/// Callers, this library and the core must be built against the same C++ standard library.
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+/// Marks what leaves the library; everything else stays inside.
+#define CADROVA_EXPORT __attribute__((visibility("default")))
+
+namespace android {
+
+/// @name Typed bridge
+///
+/// The item under `key` in the map named `map`, read from the core once; where the map holds no
+/// such item, the core answers with `default_value` or with no list.
+/// @{
+CADROVA_EXPORT bool getBooleanFromRust(std::string map, std::string key, bool default_value);
+CADROVA_EXPORT int getIntFromRust(std::string map, std::string key, int default_value);
+CADROVA_EXPORT float getFloatFromRust(std::string map, std::string key, float default_value);
+CADROVA_EXPORT std::string getStringFromRust(std::string map, std::string key,
+                                             std::string default_value);
+CADROVA_EXPORT std::vector<std::string> getStringArrayFromRust(std::string map, std::string key);
+CADROVA_EXPORT std::vector<int> getIntArrayFromRust(std::string map, std::string key);
+CADROVA_EXPORT std::vector<std::pair<std::string, std::string>> getMapFromRust(std::string map,
+                                                                               std::string key);
+/// @}
+
+/// @name Default-map lookups
+///
+/// The device's default customization: the item under `key` in the map "DEFAULT", whatever the
+/// region, carrier or SIM. Reads the value once and prints nothing.
+/// @{
+CADROVA_EXPORT bool getCustBooleanFeature(std::string key, bool default_value);
+CADROVA_EXPORT int getCustIntFeature(std::string key, int default_value);
+CADROVA_EXPORT float getCustFloatFeature(std::string key, float default_value);
+CADROVA_EXPORT std::string getCustStringFeature(std::string key, std::string default_value);
+CADROVA_EXPORT std::vector<std::string> getCustStringArrayFeature(std::string key);
+CADROVA_EXPORT std::vector<int> getCustIntArrayFeature(std::string key);
+CADROVA_EXPORT std::vector<std::pair<std::string, std::string>> getCustMapArrayFeature(
+    std::string key);
+/// @}
+
+}  // namespace android
+
+#undef CADROVA_EXPORT
