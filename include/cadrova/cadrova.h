@@ -66,6 +66,75 @@ CADROVA_EXPORT std::vector<std::pair<std::string, std::string>> getCustMapArrayF
     std::string key);
 /// @}
 
+/// @name Region lookups
+///
+/// What holds for the device's region, named by the system property `ro.orvel.region`: the item
+/// under `key` in the map of that name, or else in "DEFAULT".
+///
+/// These and all lookups below read the properties afresh, and print one line to standard output
+/// that says which map answered. Scalars and strings are read, printed, and read again for the
+/// result; lists are announced, then read once.
+/// @{
+CADROVA_EXPORT bool getRegionCustBooleanFeature(std::string key, bool default_value);
+CADROVA_EXPORT int getRegionCustIntFeature(std::string key, int default_value);
+CADROVA_EXPORT float getRegionCustFloatFeature(std::string key, float default_value);
+CADROVA_EXPORT std::string getRegionCustStringFeature(std::string key, std::string default_value);
+CADROVA_EXPORT std::vector<std::string> getRegionCustStringArrayFeature(std::string key);
+CADROVA_EXPORT std::vector<int> getRegionCustIntArrayFeature(std::string key);
+CADROVA_EXPORT std::vector<std::pair<std::string, std::string>> getRegionCustMapArrayFeature(
+    std::string key);
+/// @}
+
+/// @name Carrier lookups
+///
+/// What holds for the device's carrier, named by the system property `persist.sys.cota.carrier`:
+/// the item under `key` in the map COTA_<carrier>, or else in "DEFAULT".
+/// @{
+CADROVA_EXPORT bool getCotaCustBooleanFeature(std::string key, bool default_value);
+CADROVA_EXPORT int getCotaCustIntFeature(std::string key, int default_value);
+CADROVA_EXPORT float getCotaCustFloatFeature(std::string key, float default_value);
+CADROVA_EXPORT std::string getCotaCustStringFeature(std::string key, std::string default_value);
+CADROVA_EXPORT std::vector<std::string> getCotaCustStringArrayFeature(std::string key);
+CADROVA_EXPORT std::vector<int> getCotaCustIntArrayFeature(std::string key);
+CADROVA_EXPORT std::vector<std::pair<std::string, std::string>> getCotaCustMapArrayFeature(
+    std::string key);
+/// @}
+
+/// @name Carrier-and-region lookups
+///
+/// The item under `key` in the most specific map that holds one: COTA_<carrier>_<region>,
+/// COTA_<carrier>, <region>, or else "DEFAULT".
+/// @{
+CADROVA_EXPORT bool getCotaRegionCustBooleanFeature(std::string key, bool default_value);
+CADROVA_EXPORT int getCotaRegionCustIntFeature(std::string key, int default_value);
+CADROVA_EXPORT float getCotaRegionCustFloatFeature(std::string key, float default_value);
+CADROVA_EXPORT std::string getCotaRegionCustStringFeature(std::string key,
+                                                          std::string default_value);
+CADROVA_EXPORT std::vector<std::string> getCotaRegionCustStringArrayFeature(std::string key);
+CADROVA_EXPORT std::vector<int> getCotaRegionCustIntArrayFeature(std::string key);
+CADROVA_EXPORT std::vector<std::pair<std::string, std::string>> getCotaRegionCustMapArrayFeature(
+    std::string key);
+/// @}
+
+/// @name SIM lookups
+///
+/// The item under `key` in SIM_<carrier>, or else in "SIM_DEFAULT", or else what the
+/// carrier-and-region lookup of the same kind says. The String lookup's default is the empty
+/// string. There is no lookup for floats.
+/// @{
+CADROVA_EXPORT bool getSimCustBooleanFeature(std::string key, bool default_value);
+CADROVA_EXPORT int getSimCustIntFeature(std::string key, int default_value);
+CADROVA_EXPORT std::string getSimCustStringFeature(std::string key);
+CADROVA_EXPORT std::vector<std::string> getSimCustStringArrayFeature(std::string key);
+CADROVA_EXPORT std::vector<int> getSimCustIntArrayFeature(std::string key);
+CADROVA_EXPORT std::vector<std::pair<std::string, std::string>> getSimCustMapArrayFeature(
+    std::string key);
+/// @}
+
+/// Hands two strings of SIM customization to the core, once under "SIM_DEFAULT" and once under the
+/// carrier code. What they mean is the core's business; nothing is printed.
+CADROVA_EXPORT void setSimCadrova(std::string first, std::string second);
+
 }  // namespace android
 
 #undef CADROVA_EXPORT
