@@ -14,6 +14,9 @@ endif()
 
 install(TARGETS cadrova_cpp ${stand_ins} LIBRARY DESTINATION lib)
 install(FILES include/cadrova/cadrova.h DESTINATION include/cadrova)
+if(CADROVA_BUILD_COMMAND)
+  install(TARGETS cadrova RUNTIME DESTINATION bin)
+endif()
 
 configure_package_config_file(cmake/cadrovaConfig.cmake.in cadrovaConfig.cmake
   INSTALL_DESTINATION lib/cmake/cadrova NO_SET_AND_CHECK_MACRO NO_CHECK_REQUIRED_COMPONENTS_MACRO)
