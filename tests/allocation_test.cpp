@@ -1,0 +1,97 @@
+// Heap allocations of a lookup, counted where every string needs the heap: exactly what the
+// contract's copies, names and results require, and no copy beyond them.
+
+#include <gtest/gtest.h>
+
+#include "cadrova/cadrova.h"
+#include "recording_device.h"
+
+namespace {
+
+using recording::device;
+using recording::RecordHeap;
+
+const std::string kLong = "well-beyond-the-short-string-buffer-of-any-library";
+
+// An existence test gets its copies of map name and key.
+constexpr std::size_t kTest = 2;
+// A bridge call gets its own of map name and key, and makes private ones for the core.
+constexpr std::size_t kRead = 2 + 2;
+// A string's default is copied likewise, and the result is a string of its own.
+constexpr std::size_t kStringRead = kRead + 2 + 1;
+// "DEFAULT" and "SIM_DEFAULT" fit the short-string buffer: of a read of them, only the key's copies
+// remain; of a test, only one.
+constexpr std::size_t kShortNameRead = kRead - 2;
+constexpr std::size_t kShortNameTest = kTest - 1;
+// The carrier property's key has 24 bytes; the region property's fits. Their values are allocated
+// by the store, which is not counted here.
+constexpr std::size_t kCarrier = 1;
+// A composed map name.
+constexpr std::size_t kName = 1;
+
+const struct {
+  const char* what;
+  const char* answering_map_prefix;  // the first map with this start answers; none: the last resort
+  std::function<void(std::string key)> call;
+  std::size_t expected;
+} kCases[] = {
+    {"region int, found", "well",
+     [](std::string key) { android::getRegionCustIntFeature(std::move(key), 0); },
+     kTest + 2 * kRead},
+    {"region int, fallback", "-",
+     [](std::string key) { android::getRegionCustIntFeature(std::move(key), 0); },
+     kTest + 2 * kShortNameRead},
+    {"carrier int, found", "COTA_",
+     [](std::string key) { android::getCotaCustIntFeature(std::move(key), 0); },
+     kCarrier + kName + kTest + 2 * kRead},
+    {"carrier list, fallback", "-",
+     [](std::string key) { android::getCotaCustIntArrayFeature(std::move(key)); },
+     kCarrier + kName + kTest + kShortNameRead},
+    {"both, int, found in the first", "COTA_",
+     [](std::string key) { android::getCotaRegionCustIntFeature(std::move(key), 0); },
+     kCarrier + 2 * kName + kTest + 2 * kRead},
+    {"both, int, found in the region's", "well",
+     [](std::string key) { android::getCotaRegionCustIntFeature(std::move(key), 0); },
+     kCarrier + 2 * kName + 3 * kTest + 2 * kRead},
+    {"both, int, fallback", "-",
+     [](std::string key) { android::getCotaRegionCustIntFeature(std::move(key), 0); },
+     kCarrier + 2 * kName + 3 * kTest + 2 * kShortNameRead},
+    {"both, string, found in the first", "COTA_",
+     [](std::string key) {
+       static std::string value;
+       value = android::getCotaRegionCustStringFeature(std::move(key), std::string());
+     },
+     // The default is short; the result is long.
+     kCarrier + 2 * kName + kTest + 2 * (kStringRead - 2)},
+    {"sim, int, found", "SIM_well",
+     [](std::string key) { android::getSimCustIntFeature(std::move(key), 0); },
+     kCarrier + kName + kTest + 2 * kRead},
+    {"sim, int, found in any", "SIM_D",
+     [](std::string key) { android::getSimCustIntFeature(std::move(key), 0); },
+     kCarrier + kName + kTest + kShortNameTest + 2 * kShortNameRead},
+    {"sim, list, handed over", "-",
+     [](std::string key) { android::getSimCustIntArrayFeature(std::move(key)); },
+     // The exported lookup that it ends in gets its own copy of the key.
+     kCarrier + kName + kTest + kShortNameTest + 1 + kCarrier + 2 * kName + 3 * kTest +
+         kShortNameRead},
+};
+
+TEST(Allocation, IsExactlyWhatTheContractRequires) {
+#ifndef _LIBCPP_VERSION
+  GTEST_SKIP() << "libc++ joins two strings in one allocation, other libraries in two";
+#endif
+  for (const auto& [what, prefix, call, expected] : kCases) {
+    device = {};
+    device.properties = {{"ro.orvel.region", kLong}, {"persist.sys.cota.carrier", kLong}};
+    for (const std::string& map : {kLong, "COTA_" + kLong, "COTA_" + kLong + "_" + kLong,
+                                   "SIM_" + kLong, std::string("SIM_DEFAULT")}) {
+      device.exists[map] = map.starts_with(prefix);
+    }
+    device.strings = {kLong, kLong};
+    std::string key = kLong;
+    RecordHeap([&] { call(std::move(key)); });
+    EXPECT_EQ(device.allocations.size(), expected) << what;
+  }
+}
+
+}  // namespace
