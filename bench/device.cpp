@@ -1,0 +1,89 @@
+// A device that answers at once, so that what is measured is the library: the store holds two
+// codes, and the core says whether the first map or only the last one has the item.
+
+#include "device.h"
+
+#include <android-base/properties.h>
+
+#include <cstdlib>
+#include <cstring>
+
+#include "bridge/parser_core.h"
+
+namespace bench {
+
+Device device;
+
+namespace {
+
+char* StringBlock(const std::string& text) {
+  return static_cast<char*>(
+      std::memcpy(std::malloc(text.size() + 1), text.c_str(), text.size() + 1));
+}
+
+}  // namespace
+}  // namespace bench
+
+using bench::device;
+
+#pragma GCC visibility push(default)
+
+std::string android::base::GetProperty(const std::string& key, const std::string&) {
+  return key.size() == 15 ? device.region : device.carrier;
+}
+
+extern "C" {
+
+cadrova_core_bool get_bool_from_map(const std::string&, const std::string&, bool given) {
+  return given;
+}
+std::int32_t get_int_from_map(const std::string&, const std::string&, std::int32_t given) {
+  return given;
+}
+float get_float_from_map(const std::string&, const std::string&, float given) { return given; }
+char* get_str_from_map(const std::string&, const std::string&, const std::string& given) {
+  return bench::StringBlock(given);
+}
+
+char** get_str_arr_from_map(const std::string&, const std::string&) {
+  char** const block = static_cast<char**>(std::malloc(4 * sizeof(char*)));
+  for (int i = 0; i < 3; ++i) block[i] = bench::StringBlock(device.element);
+  block[3] = nullptr;
+  return block;
+}
+
+std::int32_t* get_int_arr_from_map(const std::string&, const std::string&) {
+  auto* const block = static_cast<std::int32_t*>(std::malloc(4 * sizeof(std::int32_t)));
+  for (int i = 0; i < 4; ++i) block[i] = 3;
+  return block;
+}
+
+char** get_map_arr_from_map(const std::string&, const std::string&) {
+  char** const block = static_cast<char**>(std::malloc(5 * sizeof(char*)));
+  for (int i = 0; i < 4; ++i) block[i] = device.element.data();
+  block[4] = nullptr;
+  return block;
+}
+
+#define EXISTENCE_TEST(name) \
+  cadrova_core_bool name(const std::string&, const std::string&) { return device.first_has_it; }
+EXISTENCE_TEST(get_bool_item_exist)
+EXISTENCE_TEST(get_int_item_exist)
+EXISTENCE_TEST(get_float_item_exist)
+EXISTENCE_TEST(get_str_item_exist)
+EXISTENCE_TEST(get_str_arr_item_exist)
+EXISTENCE_TEST(get_int_arr_item_exist)
+EXISTENCE_TEST(get_map_arr_item_exist)
+EXISTENCE_TEST(sim_get_bool_item_exist)
+EXISTENCE_TEST(sim_get_int_item_exist)
+EXISTENCE_TEST(sim_get_str_item_exist)
+EXISTENCE_TEST(sim_get_str_arr_item_exist)
+EXISTENCE_TEST(sim_get_int_arr_item_exist)
+EXISTENCE_TEST(sim_get_map_arr_item_exist)
+#undef EXISTENCE_TEST
+
+void cxx_sim_set_the_cadrova(const std::string&, const std::string&, const std::string&) {}
+
+}  // extern "C"
+
+#pragma GCC visibility pop
