@@ -76,6 +76,9 @@ const struct {
          kShortNameRead},
 };
 
+const std::string kMaps[] = {kLong, "COTA_" + kLong, "COTA_" + kLong + "_" + kLong, "SIM_" + kLong,
+                             "SIM_DEFAULT"};
+
 TEST(Allocation, IsExactlyWhatTheContractRequires) {
 #ifndef _LIBCPP_VERSION
   GTEST_SKIP() << "libc++ joins two strings in one allocation, other libraries in two";
@@ -83,10 +86,7 @@ TEST(Allocation, IsExactlyWhatTheContractRequires) {
   for (const auto& [what, prefix, call, expected] : kCases) {
     device = {};
     device.properties = {{"ro.orvel.region", kLong}, {"persist.sys.cota.carrier", kLong}};
-    for (const std::string& map : {kLong, "COTA_" + kLong, "COTA_" + kLong + "_" + kLong,
-                                   "SIM_" + kLong, std::string("SIM_DEFAULT")}) {
-      device.exists[map] = map.starts_with(prefix);
-    }
+    for (const std::string& map : kMaps) device.exists[map] = map.starts_with(prefix);
     device.strings = {kLong, kLong};
     std::string key = kLong;
     RecordHeap([&] { call(std::move(key)); });

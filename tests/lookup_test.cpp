@@ -4,12 +4,15 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <tuple>
+#include <variant>
 
 #include "cadrova/cadrova.h"
 #include "recording_device.h"
 
 namespace {
 
+using namespace android;
 using recording::device;
 using recording::Log;
 using recording::Record;
@@ -17,19 +20,10 @@ using recording::Record;
 enum Family { kRegion, kCarrier, kCarrierAndRegion, kSim };
 enum Kind { kBoolean, kInt, kFloat, kString, kStringArray, kIntArray, kMapArray };
 
-std::string Text(bool value) { return value ? "yes" : "no"; }
-std::string Text(int value) { return std::to_string(value); }
-std::string Text(float value) { return std::to_string(value); }
-std::string Text(const std::string& value) { return value; }
-std::string Text(const std::pair<std::string, std::string>& pair) {
-  return pair.first + '=' + pair.second;
-}
-template <class Element>
-std::string Text(const std::vector<Element>& list) {
-  std::string text;
-  for (const Element& element : list) text += Text(element) + ';';
-  return text;
-}
+// In the order of the kinds.
+using AnyValue = std::variant<bool, int, float, std::string, std::vector<std::string>,
+                              std::vector<int>, std::vector<std::pair<std::string, std::string>>>;
+const std::tuple<bool, int, float, std::string> kDefaults = {true, 7, 0.5F, "d"};
 
 // What is asked of the core for each kind, and what comes of it: the core's two readings differ.
 const struct {
@@ -37,18 +31,25 @@ const struct {
   const char* read;
   const char* default_value;
   Log frees;
-  const char* returned;
+  const char* returned;  // as GoogleTest prints it
 } kKinds[] = {
-    {"get_bool_item_exist", "get_bool_from_map", ", 1", {}, "no"},
+    {"get_bool_item_exist", "get_bool_from_map", ", 1", {}, "false"},
     {"get_int_item_exist", "get_int_from_map", ", 7", {}, "22"},
-    {"get_float_item_exist", "get_float_from_map", ", 0.500000", {}, "2.500000"},
-    {"get_str_item_exist", "get_str_from_map", ", d", {"free string"}, "second"},
-    {"get_str_arr_item_exist", "get_str_arr_from_map", "", {"free string", "free array"}, "s;"},
-    {"get_int_arr_item_exist", "get_int_arr_from_map", "", {"free array"}, "5;"},
-    {"get_map_arr_item_exist", "get_map_arr_from_map", "", {"free array"}, "k=v;"},
+    {"get_float_item_exist", "get_float_from_map", ", 0.500000", {}, "2.5"},
+    {"get_str_item_exist", "get_str_from_map", ", d", {"free string"}, "\"second\""},
+    {"get_str_arr_item_exist",
+     "get_str_arr_from_map",
+     "",
+     {"free string", "free array"},
+     "{ \"s\" }"},
+    {"get_int_arr_item_exist", "get_int_arr_from_map", "", {"free array"}, "{ 5 }"},
+    {"get_map_arr_item_exist", "get_map_arr_from_map", "", {"free array"}, R"({ ("k", "v") })"},
 };
 
-void AnswerAs(Kind kind) {
+// A device with these codes, whose core answers as that kind.
+void Prepare(const std::string& region, const std::string& carrier, Kind kind) {
+  device = {};
+  device.properties = {{"ro.orvel.region", region}, {"persist.sys.cota.carrier", carrier}};
   device.bools = {3, 2};
   device.ints = {11, 22};
   device.floats = {1.5F, 2.5F};
@@ -66,164 +67,118 @@ void AnswerAs(Kind kind) {
   };
 }
 
-const struct Member {
+struct Member {
+  template <class Value, class... Given>
+  Member(Family its_family, Value (*lookup)(std::string, Given...), Log its_lines)
+      : call([lookup](const std::string& key) {
+          return testing::PrintToString(lookup(key, std::get<Given>(kDefaults)...));
+        }),
+        lines(std::move(its_lines)),
+        family(its_family),
+        kind(static_cast<Kind>(AnyValue(Value()).index())) {}
+
+  std::function<std::string(const std::string& key)> call;
+  Log lines;  // by the place of the map that answers
   Family family;
   Kind kind;
-  std::string (*call)(const std::string& key);
-  Log lines;  // by the place of the map that answers
-} kMembers[] = {
-    {kRegion,
-     kBoolean,
-     [](const std::string& key) { return Text(android::getRegionCustBooleanFeature(key, true)); },
-     {"printf(getRegionCustBooleanFeature exist with the region : 1 \n)",
-      "printf(getRegionCustBooleanFeature do not exist with the region : 1 \n)"}},
-    {kRegion,
-     kInt,
-     [](const std::string& key) { return Text(android::getRegionCustIntFeature(key, 7)); },
-     {"printf(getRegionCustIntFeature exist with the region : 11 \n)",
-      "printf(getRegionCustIntFeature do not exist with the region : 11 \n)"}},
-    {kRegion,
-     kFloat,
-     [](const std::string& key) { return Text(android::getRegionCustFloatFeature(key, 0.5F)); },
-     {"printf(getRegionCustFloatFeature exist with the region : 1.500000 \n)",
-      "printf(getRegionCustFloatFeature do not exist with the region : 1.500000 \n)"}},
-    {kRegion,
-     kString,
-     [](const std::string& key) { return Text(android::getRegionCustStringFeature(key, "d")); },
-     {"printf(getRegionCustStringFeature exist with the region : first \n)",
-      "printf(getRegionCustStringFeature do not exist with the region : first \n)"}},
-    {kRegion,
-     kStringArray,
-     [](const std::string& key) { return Text(android::getRegionCustStringArrayFeature(key)); },
-     {"puts(getRegionCustStringArrayFeature exist with the region ! )",
-      "puts(getRegionCustStringArrayFeature do not exist with the region ! )"}},
-    {kRegion,
-     kIntArray,
-     [](const std::string& key) { return Text(android::getRegionCustIntArrayFeature(key)); },
-     {"puts(getRegionCustIntArrayFeature exist with the region ! )",
-      "puts(getRegionCustIntArrayFeature do not exist with the region ! )"}},
-    {kRegion,
-     kMapArray,
-     [](const std::string& key) { return Text(android::getRegionCustMapArrayFeature(key)); },
-     {"puts(getRegionCustMapArrayFeature exist with the region ! )",
-      "puts(getRegionCustMapArrayFeature do not exist with the region ! )"}},
-    {kCarrier,
-     kBoolean,
-     [](const std::string& key) { return Text(android::getCotaCustBooleanFeature(key, true)); },
-     {"printf(getCotaCustBooleanFeature exist with the carrier : 1 \n)",
-      "printf(getCotaCustBooleanFeature do not exist with the carrier : 1 \n)"}},
-    {kCarrier,
-     kInt,
-     [](const std::string& key) { return Text(android::getCotaCustIntFeature(key, 7)); },
-     {"printf(getCotaCustIntFeature exist with the carrier : 11 \n)",
-      "printf(getCotaCustIntFeature do not exist with the carrier : 11 \n)"}},
-    {kCarrier,
-     kFloat,
-     [](const std::string& key) { return Text(android::getCotaCustFloatFeature(key, 0.5F)); },
-     {"printf(getCotaCustFloatFeature exist with the carrier : 1.500000 \n)",
-      "printf(getCotaCustFloatFeature do not exist with the carrier : 1.500000 \n)"}},
-    {kCarrier,
-     kString,
-     [](const std::string& key) { return Text(android::getCotaCustStringFeature(key, "d")); },
-     {"printf(getCotaCustStringFeature exist with the carrier : first \n)",
-      "printf(getCotaCustStringFeature do not exist with the carrier : first \n)"}},
-    {kCarrier,
-     kStringArray,
-     [](const std::string& key) { return Text(android::getCotaCustStringArrayFeature(key)); },
-     {"puts(getCotaCustStringArrayFeature exist with the carrier ! )",
-      "puts(getCotaCustStringArrayFeature do not exist with the carrier ! )"}},
-    {kCarrier,
-     kIntArray,
-     [](const std::string& key) { return Text(android::getCotaCustIntArrayFeature(key)); },
-     {"puts(getCotaCustIntArrayFeature exist with the carrier ! )",
-      "puts(getCotaCustIntArrayFeature do not exist with the carrier ! )"}},
-    {kCarrier,
-     kMapArray,
-     [](const std::string& key) { return Text(android::getCotaCustMapArrayFeature(key)); },
-     {"puts(getCotaCustMapArrayFeature exist with the carrier ! )",
-      "puts(getCotaCustMapArrayFeature do not exist with the carrier ! )"}},
-    {kCarrierAndRegion,
-     kBoolean,
-     [](const std::string& key) {
-       return Text(android::getCotaRegionCustBooleanFeature(key, true));
-     },
-     {"printf(getCotaRegionCustBooleanFeature exist with the carrier & region : 1 \n)",
-      "printf(getCotaRegionCustBooleanFeature exist with the carrier : 1 \n)",
-      "printf(getCotaRegionCustBooleanFeature exist with the region : 1 \n)",
-      "printf(getCotaRegionCustBooleanFeature do not exist with the carrier or region : 1 \n)"}},
-    {kCarrierAndRegion,
-     kInt,
-     [](const std::string& key) { return Text(android::getCotaRegionCustIntFeature(key, 7)); },
-     {"printf(getCotaRegionCustIntFeature exist with the carrier & region : 11 \n)",
-      "printf(getCotaRegionCustIntFeature exist with the carrier : 11 \n)",
-      "printf(getCotaRegionCustIntFeature exist with the region : 11 \n)",
-      "printf(getCotaRegionCustIntFeature do not exist with the carrier or region : 11 \n)"}},
-    {kCarrierAndRegion,
-     kFloat,
-     [](const std::string& key) { return Text(android::getCotaRegionCustFloatFeature(key, 0.5F)); },
-     {"printf(getCotaRegionCustFloatFeature exist with the carrier & region : 1.500000 \n)",
-      "printf(getCotaRegionCustFloatFeature exist with the carrier : 1.500000 \n)",
-      "printf(getCotaRegionCustFloatFeature exist with the region : 1.500000 \n)",
-      "printf(getCotaRegionCustFloatFeature do not exist with the carrier or region : 1.500000 "
-      "\n)"}},
-    {kCarrierAndRegion,
-     kString,
-     [](const std::string& key) { return Text(android::getCotaRegionCustStringFeature(key, "d")); },
-     {"printf(getCotaRegionCustStringFeature exist with the carrier & region : first \n)",
-      "printf(getCotaRegionCustStringFeature exist with the carrier : first \n)",
-      "printf(getCotaRegionCustStringFeature exist with the region : first \n)",
-      "printf(getCotaRegionCustStringFeature do not exist with the carrier or region : first \n)"}},
-    {kCarrierAndRegion,
-     kStringArray,
-     [](const std::string& key) { return Text(android::getCotaRegionCustStringArrayFeature(key)); },
-     {"puts(getCotaRegionCustStringArrayFeature exist with the carrier & region ! )",
-      "puts(getCotaRegionCustStringArrayFeature exist with the carrier ! )",
-      "puts(getCotaRegionCustStringArrayFeature exist with the region ! )",
-      "puts(getCotaRegionCustStringArrayFeature do not exist with the carrier or region ! )"}},
-    {kCarrierAndRegion,
-     kIntArray,
-     [](const std::string& key) { return Text(android::getCotaRegionCustIntArrayFeature(key)); },
-     {"puts(getCotaRegionCustIntArrayFeature exist with the carrier & region ! )",
-      "puts(getCotaRegionCustIntArrayFeature exist with the carrier ! )",
-      "puts(getCotaRegionCustIntArrayFeature exist with the region ! )",
-      "puts(getCotaRegionCustIntArrayFeature do not exist with the carrier or region ! )"}},
-    {kCarrierAndRegion,
-     kMapArray,
-     [](const std::string& key) { return Text(android::getCotaRegionCustMapArrayFeature(key)); },
-     {"puts(getCotaCustMapArrayFeature exist with the carrier & region ! )",
-      "puts(getCotaRegionCustStringArrayFeature exist with the carrier ! )",
-      "puts(getCotaRegionCustStringArrayFeature exist with the region ! )",
-      "puts(getCotaCustMapArrayFeature do not exist with the carrier or region ! )"}},
-    {kSim,
-     kBoolean,
-     [](const std::string& key) { return Text(android::getSimCustBooleanFeature(key, true)); },
-     {"printf(getSimCustBooleanFeature exist with the carrier : 1 \n)",
-      "printf(getSimCustBooleanFeature do not exist with the carrier : 1 \n)"}},
-    {kSim,
-     kInt,
-     [](const std::string& key) { return Text(android::getSimCustIntFeature(key, 7)); },
-     {"printf(getSimCustIntFeature exist with the carrier : 11 \n)",
-      "printf(getSimCustIntFeature do not exist with the carrier : 11 \n)"}},
-    {kSim,
-     kString,
-     [](const std::string& key) { return Text(android::getSimCustStringFeature(key)); },
-     {"printf(getSimCustStringFeature exist with the carrier : first \n)",
-      "printf(getSimCustStringFeature do not exist with the carrier : first \n)"}},
-    {kSim,
-     kStringArray,
-     [](const std::string& key) { return Text(android::getSimCustStringArrayFeature(key)); },
-     {"puts(getSimCustStringArrayFeature exist with the carrier ! )",
-      "puts(getSimCustStringArrayFeature do not exist with the carrier ! )"}},
-    {kSim,
-     kIntArray,
-     [](const std::string& key) { return Text(android::getSimCustIntArrayFeature(key)); },
-     {"puts(getSimCustIntArrayFeature exist with the carrier ! )",
-      "puts(getSimCustIntArrayFeature do not exist with the carrier ! )"}},
-    {kSim,
-     kMapArray,
-     [](const std::string& key) { return Text(android::getSimCustMapArrayFeature(key)); },
-     {"puts(getSimCustMapArrayFeature exist with the carrier ! )",
-      "puts(getSimCustMapArrayFeature do not exist with the carrier ! )"}},
+};
+
+const Member kMembers[] = {
+    Member(kRegion, getRegionCustBooleanFeature,
+           {"getRegionCustBooleanFeature exist with the region : 1 \n",
+            "getRegionCustBooleanFeature do not exist with the region : 1 \n"}),
+    Member(kRegion, getRegionCustIntFeature,
+           {"getRegionCustIntFeature exist with the region : 11 \n",
+            "getRegionCustIntFeature do not exist with the region : 11 \n"}),
+    Member(kRegion, getRegionCustFloatFeature,
+           {"getRegionCustFloatFeature exist with the region : 1.500000 \n",
+            "getRegionCustFloatFeature do not exist with the region : 1.500000 \n"}),
+    Member(kRegion, getRegionCustStringFeature,
+           {"getRegionCustStringFeature exist with the region : first \n",
+            "getRegionCustStringFeature do not exist with the region : first \n"}),
+    Member(kRegion, getRegionCustStringArrayFeature,
+           {"getRegionCustStringArrayFeature exist with the region ! ",
+            "getRegionCustStringArrayFeature do not exist with the region ! "}),
+    Member(kRegion, getRegionCustIntArrayFeature,
+           {"getRegionCustIntArrayFeature exist with the region ! ",
+            "getRegionCustIntArrayFeature do not exist with the region ! "}),
+    Member(kRegion, getRegionCustMapArrayFeature,
+           {"getRegionCustMapArrayFeature exist with the region ! ",
+            "getRegionCustMapArrayFeature do not exist with the region ! "}),
+    Member(kCarrier, getCotaCustBooleanFeature,
+           {"getCotaCustBooleanFeature exist with the carrier : 1 \n",
+            "getCotaCustBooleanFeature do not exist with the carrier : 1 \n"}),
+    Member(kCarrier, getCotaCustIntFeature,
+           {"getCotaCustIntFeature exist with the carrier : 11 \n",
+            "getCotaCustIntFeature do not exist with the carrier : 11 \n"}),
+    Member(kCarrier, getCotaCustFloatFeature,
+           {"getCotaCustFloatFeature exist with the carrier : 1.500000 \n",
+            "getCotaCustFloatFeature do not exist with the carrier : 1.500000 \n"}),
+    Member(kCarrier, getCotaCustStringFeature,
+           {"getCotaCustStringFeature exist with the carrier : first \n",
+            "getCotaCustStringFeature do not exist with the carrier : first \n"}),
+    Member(kCarrier, getCotaCustStringArrayFeature,
+           {"getCotaCustStringArrayFeature exist with the carrier ! ",
+            "getCotaCustStringArrayFeature do not exist with the carrier ! "}),
+    Member(kCarrier, getCotaCustIntArrayFeature,
+           {"getCotaCustIntArrayFeature exist with the carrier ! ",
+            "getCotaCustIntArrayFeature do not exist with the carrier ! "}),
+    Member(kCarrier, getCotaCustMapArrayFeature,
+           {"getCotaCustMapArrayFeature exist with the carrier ! ",
+            "getCotaCustMapArrayFeature do not exist with the carrier ! "}),
+    Member(kCarrierAndRegion, getCotaRegionCustBooleanFeature,
+           {"getCotaRegionCustBooleanFeature exist with the carrier & region : 1 \n",
+            "getCotaRegionCustBooleanFeature exist with the carrier : 1 \n",
+            "getCotaRegionCustBooleanFeature exist with the region : 1 \n",
+            "getCotaRegionCustBooleanFeature do not exist with the carrier or region : 1 \n"}),
+    Member(kCarrierAndRegion, getCotaRegionCustIntFeature,
+           {"getCotaRegionCustIntFeature exist with the carrier & region : 11 \n",
+            "getCotaRegionCustIntFeature exist with the carrier : 11 \n",
+            "getCotaRegionCustIntFeature exist with the region : 11 \n",
+            "getCotaRegionCustIntFeature do not exist with the carrier or region : 11 \n"}),
+    Member(kCarrierAndRegion, getCotaRegionCustFloatFeature,
+           {"getCotaRegionCustFloatFeature exist with the carrier & region : 1.500000 \n",
+            "getCotaRegionCustFloatFeature exist with the carrier : 1.500000 \n",
+            "getCotaRegionCustFloatFeature exist with the region : 1.500000 \n",
+            "getCotaRegionCustFloatFeature do not exist with the carrier or region : 1.500000 \n"}),
+    Member(kCarrierAndRegion, getCotaRegionCustStringFeature,
+           {"getCotaRegionCustStringFeature exist with the carrier & region : first \n",
+            "getCotaRegionCustStringFeature exist with the carrier : first \n",
+            "getCotaRegionCustStringFeature exist with the region : first \n",
+            "getCotaRegionCustStringFeature do not exist with the carrier or region : first \n"}),
+    Member(kCarrierAndRegion, getCotaRegionCustStringArrayFeature,
+           {"getCotaRegionCustStringArrayFeature exist with the carrier & region ! ",
+            "getCotaRegionCustStringArrayFeature exist with the carrier ! ",
+            "getCotaRegionCustStringArrayFeature exist with the region ! ",
+            "getCotaRegionCustStringArrayFeature do not exist with the carrier or region ! "}),
+    Member(kCarrierAndRegion, getCotaRegionCustIntArrayFeature,
+           {"getCotaRegionCustIntArrayFeature exist with the carrier & region ! ",
+            "getCotaRegionCustIntArrayFeature exist with the carrier ! ",
+            "getCotaRegionCustIntArrayFeature exist with the region ! ",
+            "getCotaRegionCustIntArrayFeature do not exist with the carrier or region ! "}),
+    Member(kCarrierAndRegion, getCotaRegionCustMapArrayFeature,
+           {"getCotaCustMapArrayFeature exist with the carrier & region ! ",
+            "getCotaRegionCustStringArrayFeature exist with the carrier ! ",
+            "getCotaRegionCustStringArrayFeature exist with the region ! ",
+            "getCotaCustMapArrayFeature do not exist with the carrier or region ! "}),
+    Member(kSim, getSimCustBooleanFeature,
+           {"getSimCustBooleanFeature exist with the carrier : 1 \n",
+            "getSimCustBooleanFeature do not exist with the carrier : 1 \n"}),
+    Member(kSim, getSimCustIntFeature,
+           {"getSimCustIntFeature exist with the carrier : 11 \n",
+            "getSimCustIntFeature do not exist with the carrier : 11 \n"}),
+    Member(kSim, getSimCustStringFeature,
+           {"getSimCustStringFeature exist with the carrier : first \n",
+            "getSimCustStringFeature do not exist with the carrier : first \n"}),
+    Member(kSim, getSimCustStringArrayFeature,
+           {"getSimCustStringArrayFeature exist with the carrier ! ",
+            "getSimCustStringArrayFeature do not exist with the carrier ! "}),
+    Member(kSim, getSimCustIntArrayFeature,
+           {"getSimCustIntArrayFeature exist with the carrier ! ",
+            "getSimCustIntArrayFeature do not exist with the carrier ! "}),
+    Member(kSim, getSimCustMapArrayFeature,
+           {"getSimCustMapArrayFeature exist with the carrier ! ",
+            "getSimCustMapArrayFeature do not exist with the carrier ! "}),
 };
 
 // Codes of the device, and each family's maps in the order in which they are tested.
@@ -281,8 +236,9 @@ Log Reading(const Member& member, const Codes& codes, std::size_t place, const s
   Log read = {kind.read + ("(" + map + ", " + key) + given + ")"};
   Append(read, kind.frees);
   Log log;
-  if (member.kind <= kString) log = read;
-  log.push_back(member.lines.at(place));
+  const bool is_list = member.kind > kString;
+  if (!is_list) log = read;
+  log.push_back((is_list ? "puts(" : "printf(") + member.lines.at(place) + ")");
   Append(log, read);
   return log;
 }
@@ -301,10 +257,7 @@ TEST(Lookup, EveryMemberAlongEveryPath) {
     for (const Codes& codes : kCodes) {
       for (const std::string& key : {std::string("k"), std::string(), kLong}) {
         for (std::size_t place = 0; place < member.lines.size(); ++place) {
-          device = {};
-          device.properties = {{"ro.orvel.region", codes.region},
-                               {"persist.sys.cota.carrier", codes.carrier}};
-          AnswerAs(member.kind);
+          Prepare(codes.region, codes.carrier, member.kind);
           // Where two maps of the chain are one, the second can't be the first to answer.
           if (!LetAnswer(codes.maps[member.family], place)) continue;
           Log expected = Tests(member, codes, place, key);
@@ -325,10 +278,7 @@ TEST(Lookup, SimEndsInTheWholeCarrierAndRegionLookup) {
       if (last.family != kCarrierAndRegion || last.kind != member.kind) continue;
       for (const Codes& codes : kCodes) {
         for (std::size_t place = 0; place < last.lines.size(); ++place) {
-          device = {};
-          device.properties = {{"ro.orvel.region", codes.region},
-                               {"persist.sys.cota.carrier", codes.carrier}};
-          AnswerAs(member.kind);
+          Prepare(codes.region, codes.carrier, member.kind);
           LetAnswer(codes.maps[kCarrierAndRegion], place);
           Log expected = Tests(member, codes, 2, "k");
           Append(expected, Tests(last, codes, place, "k"));
@@ -349,7 +299,7 @@ TEST(Lookup, ATypicalCallStepForStep) {
   device.exists = {{"COTA_X1", 1}, {"EU", 1}};
   device.ints = {5, 6};
   int value = 0;
-  EXPECT_EQ(Record([&] { value = android::getSimCustIntFeature("key", 3); }),
+  EXPECT_EQ(Record([&] { value = getSimCustIntFeature("key", 3); }),
             (Log{
                 "GetProperty(persist.sys.cota.carrier, \"\")",
                 "sim_get_int_item_exist(SIM_X1, key)",
@@ -372,11 +322,11 @@ TEST(Lookup, HandsOverUnderTheDefaultFirstAndThenUnderTheCodeAsItIsByThen) {
     if (event.starts_with("cxx_sim")) device.properties["persist.sys.cota.carrier"] = "N7";
   };
   EXPECT_EQ(
-      Record([] { android::setSimCadrova("one", ""); }),
+      Record([] { setSimCadrova("one", ""); }),
       (Log{"cxx_sim_set_the_cadrova(SIM_DEFAULT, one, )",
            "GetProperty(persist.sys.cota.carrier, \"\")", "cxx_sim_set_the_cadrova(N7, one, )"}));
   device = {};
-  EXPECT_EQ(Record([] { android::setSimCadrova("", kLong); }),
+  EXPECT_EQ(Record([] { setSimCadrova("", kLong); }),
             (Log{"cxx_sim_set_the_cadrova(SIM_DEFAULT, , " + kLong + ")",
                  "GetProperty(persist.sys.cota.carrier, \"\")",
                  "cxx_sim_set_the_cadrova(, , " + kLong + ")"}));

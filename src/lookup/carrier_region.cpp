@@ -28,10 +28,10 @@ enum : unsigned {
 
 Answer CarrierAndRegion(cadrova_existence_test* exists, const std::string& key) {
   std::string region = RegionCode();
-  // One name is the front of the other: COTA__X1, shifted to COTA_X1_, goes before the region in
-  // the longer name and loses its end for the shorter, and no third name has to be made.
-  std::string carrier_map = Joined("COTA__", CarrierCode());
-  std::copy(carrier_map.begin() + 6, carrier_map.end(), carrier_map.begin() + 5);
+  // Shifted by a byte, _COTA_X1 becomes COTA_X1_: before the region it makes the longer name, and
+  // without its end the shorter one, so that no third name has to be made.
+  std::string carrier_map = Joined("_COTA_", CarrierCode());
+  std::shift_left(carrier_map.begin(), carrier_map.end(), 1);
   carrier_map.back() = '_';
   std::string carrier_and_region_map = Joined(carrier_map, region);
   carrier_map.pop_back();
