@@ -221,6 +221,7 @@ TEST(StandInCore, NamesThePlaceOfEachMistake) {
       {"[A]\nx = \n", 2, 5, "value"},
       {"[A]\nx = 1\nx = 2\n", 3, 5, "redefine"},
       {"x = 1\n", 1, 1, "outside every map"},
+      {"[[:]]\n", 1, 3, "expected bare key"},
       {"[[A]]\nx = 1\n", 1, 3, "outside every map"},
       {"[A]\nx = 2026-11-24\n", 2, 5, "date"},
       {"[A]\nx = [1, \"a\"]\n", 2, 5, "only one kind"},
