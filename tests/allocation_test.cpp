@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "cadrova/cadrova.h"
 #include "recording_device.h"
 
@@ -19,6 +21,7 @@ constexpr std::size_t kTest = 2;
 constexpr std::size_t kRead = 2 + 2;
 // A string's default is copied likewise, and the result is a string of its own.
 constexpr std::size_t kStringRead = kRead + 2 + 1;
+constexpr std::size_t kCallersDefault = 1;
 // "DEFAULT" and "SIM_DEFAULT" fit the short-string buffer: of a read of them, only the key's copies
 // remain; of a test, only one.
 constexpr std::size_t kShortNameRead = kRead - 2;
@@ -29,48 +32,47 @@ constexpr std::size_t kCarrier = 1;
 // A composed map name.
 constexpr std::size_t kName = 1;
 
-const struct {
+// The defaults are as long as the names.
+const std::tuple<int, std::string> kDefaults = {0, kLong};
+
+struct Case {
+  template <class Value, class... Default>
+  Case(const char* described, Value (*lookup)(std::string, Default...), const char* map_prefix,
+       std::size_t required)
+      : what(described),
+        call(
+            [lookup](std::string key) { lookup(std::move(key), std::get<Default>(kDefaults)...); }),
+        answering_map_prefix(map_prefix),
+        expected(required) {}
+
   const char* what;
-  const char* answering_map_prefix;  // the first map with this start answers; none: the last resort
   std::function<void(std::string key)> call;
+  const char* answering_map_prefix;  // the first map with this start answers; none: the last resort
   std::size_t expected;
-} kCases[] = {
-    {"region int, found", "well",
-     [](std::string key) { android::getRegionCustIntFeature(std::move(key), 0); },
-     kTest + 2 * kRead},
-    {"region int, fallback", "-",
-     [](std::string key) { android::getRegionCustIntFeature(std::move(key), 0); },
-     kTest + 2 * kShortNameRead},
-    {"carrier int, found", "COTA_",
-     [](std::string key) { android::getCotaCustIntFeature(std::move(key), 0); },
+};
+
+const Case kCases[] = {
+    {"default int", android::getCustIntFeature, "-", kShortNameRead},
+    {"default string", android::getCustStringFeature, "-", kCallersDefault + kStringRead - 2},
+    {"region int, found", android::getRegionCustIntFeature, "well", kTest + 2 * kRead},
+    {"region int, fallback", android::getRegionCustIntFeature, "-", kTest + 2 * kShortNameRead},
+    {"carrier int, found", android::getCotaCustIntFeature, "COTA_",
      kCarrier + kName + kTest + 2 * kRead},
-    {"carrier list, fallback", "-",
-     [](std::string key) { android::getCotaCustIntArrayFeature(std::move(key)); },
+    {"carrier list, fallback", android::getCotaCustIntArrayFeature, "-",
      kCarrier + kName + kTest + kShortNameRead},
-    {"both, int, found in the first", "COTA_",
-     [](std::string key) { android::getCotaRegionCustIntFeature(std::move(key), 0); },
+    {"both, int, found in the first", android::getCotaRegionCustIntFeature, "COTA_",
      kCarrier + 2 * kName + kTest + 2 * kRead},
-    {"both, int, found in the region's", "well",
-     [](std::string key) { android::getCotaRegionCustIntFeature(std::move(key), 0); },
+    {"both, int, found in the region's", android::getCotaRegionCustIntFeature, "well",
      kCarrier + 2 * kName + 3 * kTest + 2 * kRead},
-    {"both, int, fallback", "-",
-     [](std::string key) { android::getCotaRegionCustIntFeature(std::move(key), 0); },
+    {"both, int, fallback", android::getCotaRegionCustIntFeature, "-",
      kCarrier + 2 * kName + 3 * kTest + 2 * kShortNameRead},
-    {"both, string, found in the first", "COTA_",
-     [](std::string key) {
-       static std::string value;
-       value = android::getCotaRegionCustStringFeature(std::move(key), std::string());
-     },
-     // The default is short; the result is long.
-     kCarrier + 2 * kName + kTest + 2 * (kStringRead - 2)},
-    {"sim, int, found", "SIM_well",
-     [](std::string key) { android::getSimCustIntFeature(std::move(key), 0); },
+    {"both, string, found in the first", android::getCotaRegionCustStringFeature, "COTA_",
+     kCallersDefault + kCarrier + 2 * kName + kTest + 2 * kStringRead},
+    {"sim, int, found", android::getSimCustIntFeature, "SIM_well",
      kCarrier + kName + kTest + 2 * kRead},
-    {"sim, int, found in any", "SIM_D",
-     [](std::string key) { android::getSimCustIntFeature(std::move(key), 0); },
+    {"sim, int, found in any", android::getSimCustIntFeature, "SIM_D",
      kCarrier + kName + kTest + kShortNameTest + 2 * kShortNameRead},
-    {"sim, list, handed over", "-",
-     [](std::string key) { android::getSimCustIntArrayFeature(std::move(key)); },
+    {"sim, list, handed over", android::getSimCustIntArrayFeature, "-",
      // The exported lookup that it ends in gets its own copy of the key.
      kCarrier + kName + kTest + kShortNameTest + 1 + kCarrier + 2 * kName + 3 * kTest +
          kShortNameRead},
@@ -83,7 +85,7 @@ TEST(Allocation, IsExactlyWhatTheContractRequires) {
 #ifndef _LIBCPP_VERSION
   GTEST_SKIP() << "libc++ joins two strings in one allocation, other libraries in two";
 #endif
-  for (const auto& [what, prefix, call, expected] : kCases) {
+  for (const auto& [what, call, prefix, expected] : kCases) {
     device = {};
     device.properties = {{"ro.orvel.region", kLong}, {"persist.sys.cota.carrier", kLong}};
     for (const std::string& map : kMaps) device.exists[map] = map.starts_with(prefix);

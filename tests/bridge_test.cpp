@@ -11,7 +11,6 @@
 
 namespace {
 
-using android::getMapFromRust;
 using recording::device;
 using recording::Log;
 using recording::Record;
@@ -88,76 +87,67 @@ TEST_F(Bridge, StringEndsAtTheFirstNulAndItsBlockIsFreedOnce) {
   }
 }
 
-TEST_F(Bridge, StringArrayFreesEachStringAndThenTheArray) {
-  const struct {
-    std::function<void*()> block;
-    StringArray expected;
-    Log frees;
-  } cases[] = {
-      {[] { return nullptr; }, {}, {}},
-      {Pointers({nullptr}), {}, {"free array"}},
-      {Pointers({"b", "", "b", kLongText.c_str(), nullptr}),
-       {"b", "", "b", kLongText},
-       {"free string 0", "free string 1", "free string 2", "free string 3", "free array"}},
-  };
+template <class List>
+struct ListCase {
+  std::function<void*()> block;
+  List expected;
+  Log frees;
+};
+
+template <class List>
+void Check(List (*read)(std::string, std::string), const std::string& asked,
+           const std::vector<ListCase<List>>& cases) {
   for (const auto& [block, expected, frees] : cases) {
     device.list = block;
-    StringArray value = {"stale"};
-    Log log = Record([&] { value = android::getStringArrayFromRust("M", "k"); });
-    EXPECT_EQ(log.front(), "get_str_arr_from_map(M, k)");
-    EXPECT_EQ(Log(log.begin() + 1, log.end()), frees);
+    List value(1);
+    Log log = {asked};
+    log.insert(log.end(), frees.begin(), frees.end());
+    EXPECT_EQ(Record([&, read = read] { value = read("M", "k"); }), log);
     EXPECT_EQ(value, expected);
   }
+}
+
+void* Nothing() { return nullptr; }
+
+TEST_F(Bridge, StringArrayFreesEachStringAndThenTheArray) {
+  Check<StringArray>(
+      android::getStringArrayFromRust, "get_str_arr_from_map(M, k)",
+      {{Nothing, {}, {}},
+       {Pointers({nullptr}), {}, {"free array"}},
+       {Pointers({"b", "", "b", kLongText.c_str(), nullptr}),
+        {"b", "", "b", kLongText},
+        {"free string 0", "free string 1", "free string 2", "free string 3", "free array"}}});
 }
 
 TEST_F(Bridge, IntArrayReadsAsManyAsItsCountSays) {
-  const struct {
-    std::function<void*()> block;
-    IntArray expected;
-    Log frees;
-  } cases[] = {
-      {[] { return nullptr; }, {}, {}},
-      {Ints({0}), {}, {"free array"}},
-      {Ints({-1, 5}), {}, {"free array"}},
-      {Ints({INT_MIN, 5}), {}, {"free array"}},
-      {Ints({3, 7, -2, 0, 99}), {7, -2, 0}, {"free array"}},
-      {Ints({2, INT_MAX, INT_MIN}), {INT_MAX, INT_MIN}, {"free array"}},
-  };
-  for (const auto& [block, expected, frees] : cases) {
-    device.list = block;
-    IntArray value = {1};
-    Log log = Record([&] { value = android::getIntArrayFromRust("M", "k"); });
-    EXPECT_EQ(log.front(), "get_int_arr_from_map(M, k)");
-    EXPECT_EQ(Log(log.begin() + 1, log.end()), frees);
-    EXPECT_EQ(value, expected);
-  }
+  Check<IntArray>(android::getIntArrayFromRust, "get_int_arr_from_map(M, k)",
+                  {{Nothing, {}, {}},
+                   {Ints({0}), {}, {"free array"}},
+                   {Ints({-1, 5}), {}, {"free array"}},
+                   {Ints({INT_MIN, 5}), {}, {"free array"}},
+                   {Ints({3, 7, -2, 0, 99}), {7, -2, 0}, {"free array"}},
+                   {Ints({2, INT_MAX, INT_MIN}), {INT_MAX, INT_MIN}, {"free array"}}});
 }
 
 TEST_F(Bridge, MapArrayStopsAtTheFirstNullAndFreesTheArrayAlone) {
-  const struct {
-    std::function<void*()> block;
-    MapArray expected;
-    Log frees;
-  } cases[] = {
-      {[] { return nullptr; }, {}, {}},
-      {Pointers({nullptr}), {}, {"free array"}},  // one slot only: the next may not be read
-      {Pointers({"a", "1", "b", nullptr, "c", "3", nullptr}), {{"a", "1"}}, {"free array"}},
-      {Pointers({"a", "1", nullptr, "x", "c", "3"}), {{"a", "1"}}, {"free array"}},
-      {Pointers({"k", "1", "k", "", "", "1", "k", "1", nullptr}),
-       {{"k", "1"}, {"k", ""}, {"", "1"}, {"k", "1"}},
-       {"free array"}},
-      {Pointers({kLongKey.c_str(), kLongText.c_str(), nullptr}),
-       {{kLongKey, kLongText}},
-       {"free array"}},
-  };
-  for (const auto& [block, expected, frees] : cases) {
-    device.list = block;
-    MapArray value = {{"stale", "stale"}};
-    Log log = Record([&] { value = getMapFromRust("M", "k"); });
-    EXPECT_EQ(log.front(), "get_map_arr_from_map(M, k)");
-    EXPECT_EQ(Log(log.begin() + 1, log.end()), frees);
-    EXPECT_EQ(value, expected);
-  }
+  Check<MapArray>(
+      android::getMapFromRust, "get_map_arr_from_map(M, k)",
+      {{Nothing, {}, {}},
+       {Pointers({nullptr}), {}, {"free array"}},  // one slot only: the next may not be read
+       {Pointers({"a", "1", "b", nullptr, "c", "3", nullptr}), {{"a", "1"}}, {"free array"}},
+       {Pointers({"a", "1", nullptr, "x", "c", "3"}), {{"a", "1"}}, {"free array"}},
+       {Pointers({"k", "1", "k", "", "", "1", "k", "1", nullptr}),
+        {{"k", "1"}, {"k", ""}, {"", "1"}, {"k", "1"}},
+        {"free array"}},
+       {Pointers({kLongKey.c_str(), kLongText.c_str(), nullptr}),
+        {{kLongKey, kLongText}},
+        {"free array"}}});
+}
+
+// The sizes that `act` allocates, in order.
+std::vector<std::size_t> Allocations(const std::function<void()>& act) {
+  RecordHeap(act);
+  return device.allocations;
 }
 
 // Long strings need the heap, and so show their copies: one of each argument before the core is
@@ -178,49 +168,36 @@ TEST_F(Bridge, PrivateCopiesAreGoneBeforeTheAnswerIsLookedAt) {
                  "delete", "delete", "delete"}));
   auto copies = device.allocations;
   copies.resize(3);
-  RecordHeap([] {
-    std::string plain_map = kLongMap, plain_key = kLongKey, plain_text = kLongText;
-    (void)(plain_map.data() + plain_key.size() + plain_text.size());
-  });
-  EXPECT_EQ(copies, device.allocations);
+  EXPECT_EQ(copies, Allocations([] {
+              std::string plain_map = kLongMap, plain_key = kLongKey, plain_text = kLongText;
+              (void)(plain_map.data() + plain_key.size() + plain_text.size());
+            }));
 }
 
 TEST_F(Bridge, ListsCopyTheirArgumentsOnceAndGrowAsPlainVectorsDo) {
   std::vector<std::int32_t> slots = {100};
   slots.resize(101);
   device.list = Ints(slots);
-  IntArray ints;
-  RecordHeap([&] { ints = android::getIntArrayFromRust("M", "k"); });
-  const auto growth = device.allocations;
-  RecordHeap([] {
-    IntArray plain;
-    for (int i = 0; i < 100; ++i) plain.push_back(0);
-  });
-  EXPECT_EQ(growth, device.allocations);
+  IntArray ints, plain_ints;
+  EXPECT_EQ(Allocations([&] { ints = android::getIntArrayFromRust("M", "k"); }), Allocations([&] {
+              for (int i = 0; i < 100; ++i) plain_ints.push_back(0);
+            }));
 
+  const char* const texts[] = {"a", "b", "c", kLongText.c_str(), "e"};
   device.list = Pointers({"a", "b", "c", kLongText.c_str(), "e", nullptr});
-  StringArray strings;
-  RecordHeap([&] { strings = android::getStringArrayFromRust("M", "k"); });
-  const auto string_growth = device.allocations;
-  RecordHeap([] {
-    StringArray plain;
-    for (const char* text : {"a", "b", "c", kLongText.c_str(), "e"}) {
-      plain.push_back(std::string(text));
-    }
-  });
-  EXPECT_EQ(string_growth, device.allocations);
+  StringArray strings, plain_strings;
+  EXPECT_EQ(Allocations([&] { strings = android::getStringArrayFromRust("M", "k"); }),
+            Allocations([&] {
+              for (const char* text : texts) plain_strings.push_back(std::string(text));
+            }));
 
   device.list = Pointers({"a", "1", "b", "2", kLongKey.c_str(), kLongText.c_str(), nullptr});
-  MapArray pairs;
-  RecordHeap([&] { pairs = getMapFromRust("M", "k"); });
-  const auto pair_growth = device.allocations;
-  RecordHeap([] {
-    MapArray plain;
-    plain.emplace_back("a", "1");
-    plain.emplace_back("b", "2");
-    plain.emplace_back(kLongKey.c_str(), kLongText.c_str());
-  });
-  EXPECT_EQ(pair_growth, device.allocations);
+  MapArray pairs, plain_pairs;
+  EXPECT_EQ(Allocations([&] { pairs = android::getMapFromRust("M", "k"); }), Allocations([&] {
+              plain_pairs.emplace_back("a", "1");
+              plain_pairs.emplace_back("b", "2");
+              plain_pairs.emplace_back(kLongKey.c_str(), kLongText.c_str());
+            }));
 }
 
 }  // namespace
