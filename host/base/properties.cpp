@@ -12,7 +12,7 @@ namespace {
 
 using Properties = std::map<std::string, std::string>;
 
-// Nobody is asked on half a file: what can't be read ends the process, as `getprop` has no answer.
+// What can't be read ends the process: nobody is answered from half a file.
 [[noreturn]] void Stop(const char* file, const std::string& what) {
   std::fflush(stdout);
   std::fprintf(stderr, "%s%s\n", file, what.c_str());
