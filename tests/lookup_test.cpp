@@ -25,25 +25,31 @@ using AnyValue = std::variant<bool, int, float, std::string, std::vector<std::st
                               std::vector<int>, std::vector<std::pair<std::string, std::string>>>;
 const std::tuple<bool, int, float, std::string> kDefaults = {true, 7, 0.5F, "d"};
 
-// What is asked of the core for each kind, and what comes of it: the core's two readings differ.
+// What each kind is called in the core's functions, how it is asked and printed, and what comes of
+// it: the core's two readings differ, and the line ends in the first.
 const struct {
-  const char* exists;
-  const char* read;
+  std::string name;
   const char* default_value;
+  const char* line_end;
   Log frees;
   const char* returned;  // as GoogleTest prints it
 } kKinds[] = {
-    {"get_bool_item_exist", "get_bool_from_map", ", 1", {}, "false"},
-    {"get_int_item_exist", "get_int_from_map", ", 7", {}, "22"},
-    {"get_float_item_exist", "get_float_from_map", ", 0.500000", {}, "2.5"},
-    {"get_str_item_exist", "get_str_from_map", ", d", {"free string"}, "\"second\""},
-    {"get_str_arr_item_exist",
-     "get_str_arr_from_map",
-     "",
-     {"free string", "free array"},
-     "{ \"s\" }"},
-    {"get_int_arr_item_exist", "get_int_arr_from_map", "", {"free array"}, "{ 5 }"},
-    {"get_map_arr_item_exist", "get_map_arr_from_map", "", {"free array"}, R"({ ("k", "v") })"},
+    {"bool", ", 1", " : 1 \n", {}, "false"},
+    {"int", ", 7", " : 11 \n", {}, "22"},
+    {"float", ", 0.500000", " : 1.500000 \n", {}, "2.5"},
+    {"str", ", d", " : first \n", {"free string"}, R"("second")"},
+    {"str_arr", "", " ! ", {"free string", "free array"}, R"({ "s" })"},
+    {"int_arr", "", " ! ", {"free array"}, "{ 5 }"},
+    {"map_arr", "", " ! ", {"free array"}, R"({ ("k", "v") })"},
+};
+
+// What the lines of each family say, by the place of the map that answers.
+const Log kWords[] = {
+    {" exist with the region", " do not exist with the region"},
+    {" exist with the carrier", " do not exist with the carrier"},
+    {" exist with the carrier & region", " exist with the carrier", " exist with the region",
+     " do not exist with the carrier or region"},
+    {" exist with the carrier", " do not exist with the carrier"},
 };
 
 // A device with these codes, whose core answers as that kind.
@@ -69,116 +75,58 @@ void Prepare(const std::string& region, const std::string& carrier, Kind kind) {
 
 struct Member {
   template <class Value, class... Given>
-  Member(Family its_family, Value (*lookup)(std::string, Given...), Log its_lines)
-      : call([lookup](const std::string& key) {
+  Member(Family its_family, Log its_names, Value (*lookup)(std::string, Given...))
+      : family(its_family),
+        kind(static_cast<Kind>(AnyValue(Value()).index())),
+        names(std::move(its_names)),
+        call([lookup](const std::string& key) {
           return testing::PrintToString(lookup(key, std::get<Given>(kDefaults)...));
-        }),
-        lines(std::move(its_lines)),
-        family(its_family),
-        kind(static_cast<Kind>(AnyValue(Value()).index())) {}
+        }) {}
 
-  std::function<std::string(const std::string& key)> call;
-  Log lines;  // by the place of the map that answers
+  std::size_t Places() const { return kWords[family].size(); }
+  std::string Line(std::size_t place) const {
+    return names[names.size() == 1 ? 0 : place] + kWords[family][place] + kKinds[kind].line_end;
+  }
+
   Family family;
   Kind kind;
+  Log names;  // that its lines begin with: its own, or one by each place
+  std::function<std::string(const std::string& key)> call;
 };
 
 const Member kMembers[] = {
-    Member(kRegion, getRegionCustBooleanFeature,
-           {"getRegionCustBooleanFeature exist with the region : 1 \n",
-            "getRegionCustBooleanFeature do not exist with the region : 1 \n"}),
-    Member(kRegion, getRegionCustIntFeature,
-           {"getRegionCustIntFeature exist with the region : 11 \n",
-            "getRegionCustIntFeature do not exist with the region : 11 \n"}),
-    Member(kRegion, getRegionCustFloatFeature,
-           {"getRegionCustFloatFeature exist with the region : 1.500000 \n",
-            "getRegionCustFloatFeature do not exist with the region : 1.500000 \n"}),
-    Member(kRegion, getRegionCustStringFeature,
-           {"getRegionCustStringFeature exist with the region : first \n",
-            "getRegionCustStringFeature do not exist with the region : first \n"}),
-    Member(kRegion, getRegionCustStringArrayFeature,
-           {"getRegionCustStringArrayFeature exist with the region ! ",
-            "getRegionCustStringArrayFeature do not exist with the region ! "}),
-    Member(kRegion, getRegionCustIntArrayFeature,
-           {"getRegionCustIntArrayFeature exist with the region ! ",
-            "getRegionCustIntArrayFeature do not exist with the region ! "}),
-    Member(kRegion, getRegionCustMapArrayFeature,
-           {"getRegionCustMapArrayFeature exist with the region ! ",
-            "getRegionCustMapArrayFeature do not exist with the region ! "}),
-    Member(kCarrier, getCotaCustBooleanFeature,
-           {"getCotaCustBooleanFeature exist with the carrier : 1 \n",
-            "getCotaCustBooleanFeature do not exist with the carrier : 1 \n"}),
-    Member(kCarrier, getCotaCustIntFeature,
-           {"getCotaCustIntFeature exist with the carrier : 11 \n",
-            "getCotaCustIntFeature do not exist with the carrier : 11 \n"}),
-    Member(kCarrier, getCotaCustFloatFeature,
-           {"getCotaCustFloatFeature exist with the carrier : 1.500000 \n",
-            "getCotaCustFloatFeature do not exist with the carrier : 1.500000 \n"}),
-    Member(kCarrier, getCotaCustStringFeature,
-           {"getCotaCustStringFeature exist with the carrier : first \n",
-            "getCotaCustStringFeature do not exist with the carrier : first \n"}),
-    Member(kCarrier, getCotaCustStringArrayFeature,
-           {"getCotaCustStringArrayFeature exist with the carrier ! ",
-            "getCotaCustStringArrayFeature do not exist with the carrier ! "}),
-    Member(kCarrier, getCotaCustIntArrayFeature,
-           {"getCotaCustIntArrayFeature exist with the carrier ! ",
-            "getCotaCustIntArrayFeature do not exist with the carrier ! "}),
-    Member(kCarrier, getCotaCustMapArrayFeature,
-           {"getCotaCustMapArrayFeature exist with the carrier ! ",
-            "getCotaCustMapArrayFeature do not exist with the carrier ! "}),
-    Member(kCarrierAndRegion, getCotaRegionCustBooleanFeature,
-           {"getCotaRegionCustBooleanFeature exist with the carrier & region : 1 \n",
-            "getCotaRegionCustBooleanFeature exist with the carrier : 1 \n",
-            "getCotaRegionCustBooleanFeature exist with the region : 1 \n",
-            "getCotaRegionCustBooleanFeature do not exist with the carrier or region : 1 \n"}),
-    Member(kCarrierAndRegion, getCotaRegionCustIntFeature,
-           {"getCotaRegionCustIntFeature exist with the carrier & region : 11 \n",
-            "getCotaRegionCustIntFeature exist with the carrier : 11 \n",
-            "getCotaRegionCustIntFeature exist with the region : 11 \n",
-            "getCotaRegionCustIntFeature do not exist with the carrier or region : 11 \n"}),
-    Member(kCarrierAndRegion, getCotaRegionCustFloatFeature,
-           {"getCotaRegionCustFloatFeature exist with the carrier & region : 1.500000 \n",
-            "getCotaRegionCustFloatFeature exist with the carrier : 1.500000 \n",
-            "getCotaRegionCustFloatFeature exist with the region : 1.500000 \n",
-            "getCotaRegionCustFloatFeature do not exist with the carrier or region : 1.500000 \n"}),
-    Member(kCarrierAndRegion, getCotaRegionCustStringFeature,
-           {"getCotaRegionCustStringFeature exist with the carrier & region : first \n",
-            "getCotaRegionCustStringFeature exist with the carrier : first \n",
-            "getCotaRegionCustStringFeature exist with the region : first \n",
-            "getCotaRegionCustStringFeature do not exist with the carrier or region : first \n"}),
-    Member(kCarrierAndRegion, getCotaRegionCustStringArrayFeature,
-           {"getCotaRegionCustStringArrayFeature exist with the carrier & region ! ",
-            "getCotaRegionCustStringArrayFeature exist with the carrier ! ",
-            "getCotaRegionCustStringArrayFeature exist with the region ! ",
-            "getCotaRegionCustStringArrayFeature do not exist with the carrier or region ! "}),
-    Member(kCarrierAndRegion, getCotaRegionCustIntArrayFeature,
-           {"getCotaRegionCustIntArrayFeature exist with the carrier & region ! ",
-            "getCotaRegionCustIntArrayFeature exist with the carrier ! ",
-            "getCotaRegionCustIntArrayFeature exist with the region ! ",
-            "getCotaRegionCustIntArrayFeature do not exist with the carrier or region ! "}),
-    Member(kCarrierAndRegion, getCotaRegionCustMapArrayFeature,
-           {"getCotaCustMapArrayFeature exist with the carrier & region ! ",
-            "getCotaRegionCustStringArrayFeature exist with the carrier ! ",
-            "getCotaRegionCustStringArrayFeature exist with the region ! ",
-            "getCotaCustMapArrayFeature do not exist with the carrier or region ! "}),
-    Member(kSim, getSimCustBooleanFeature,
-           {"getSimCustBooleanFeature exist with the carrier : 1 \n",
-            "getSimCustBooleanFeature do not exist with the carrier : 1 \n"}),
-    Member(kSim, getSimCustIntFeature,
-           {"getSimCustIntFeature exist with the carrier : 11 \n",
-            "getSimCustIntFeature do not exist with the carrier : 11 \n"}),
-    Member(kSim, getSimCustStringFeature,
-           {"getSimCustStringFeature exist with the carrier : first \n",
-            "getSimCustStringFeature do not exist with the carrier : first \n"}),
-    Member(kSim, getSimCustStringArrayFeature,
-           {"getSimCustStringArrayFeature exist with the carrier ! ",
-            "getSimCustStringArrayFeature do not exist with the carrier ! "}),
-    Member(kSim, getSimCustIntArrayFeature,
-           {"getSimCustIntArrayFeature exist with the carrier ! ",
-            "getSimCustIntArrayFeature do not exist with the carrier ! "}),
-    Member(kSim, getSimCustMapArrayFeature,
-           {"getSimCustMapArrayFeature exist with the carrier ! ",
-            "getSimCustMapArrayFeature do not exist with the carrier ! "}),
+    {kRegion, {"getRegionCustBooleanFeature"}, getRegionCustBooleanFeature},
+    {kRegion, {"getRegionCustIntFeature"}, getRegionCustIntFeature},
+    {kRegion, {"getRegionCustFloatFeature"}, getRegionCustFloatFeature},
+    {kRegion, {"getRegionCustStringFeature"}, getRegionCustStringFeature},
+    {kRegion, {"getRegionCustStringArrayFeature"}, getRegionCustStringArrayFeature},
+    {kRegion, {"getRegionCustIntArrayFeature"}, getRegionCustIntArrayFeature},
+    {kRegion, {"getRegionCustMapArrayFeature"}, getRegionCustMapArrayFeature},
+    {kCarrier, {"getCotaCustBooleanFeature"}, getCotaCustBooleanFeature},
+    {kCarrier, {"getCotaCustIntFeature"}, getCotaCustIntFeature},
+    {kCarrier, {"getCotaCustFloatFeature"}, getCotaCustFloatFeature},
+    {kCarrier, {"getCotaCustStringFeature"}, getCotaCustStringFeature},
+    {kCarrier, {"getCotaCustStringArrayFeature"}, getCotaCustStringArrayFeature},
+    {kCarrier, {"getCotaCustIntArrayFeature"}, getCotaCustIntArrayFeature},
+    {kCarrier, {"getCotaCustMapArrayFeature"}, getCotaCustMapArrayFeature},
+    {kCarrierAndRegion, {"getCotaRegionCustBooleanFeature"}, getCotaRegionCustBooleanFeature},
+    {kCarrierAndRegion, {"getCotaRegionCustIntFeature"}, getCotaRegionCustIntFeature},
+    {kCarrierAndRegion, {"getCotaRegionCustFloatFeature"}, getCotaRegionCustFloatFeature},
+    {kCarrierAndRegion, {"getCotaRegionCustStringFeature"}, getCotaRegionCustStringFeature},
+    {kCarrierAndRegion,
+     {"getCotaRegionCustStringArrayFeature"},
+     getCotaRegionCustStringArrayFeature},
+    {kCarrierAndRegion, {"getCotaRegionCustIntArrayFeature"}, getCotaRegionCustIntArrayFeature},
+    {kCarrierAndRegion,
+     {"getCotaCustMapArrayFeature", "getCotaRegionCustStringArrayFeature",
+      "getCotaRegionCustStringArrayFeature", "getCotaCustMapArrayFeature"},
+     getCotaRegionCustMapArrayFeature},
+    {kSim, {"getSimCustBooleanFeature"}, getSimCustBooleanFeature},
+    {kSim, {"getSimCustIntFeature"}, getSimCustIntFeature},
+    {kSim, {"getSimCustStringFeature"}, getSimCustStringFeature},
+    {kSim, {"getSimCustStringArrayFeature"}, getSimCustStringArrayFeature},
+    {kSim, {"getSimCustIntArrayFeature"}, getSimCustIntArrayFeature},
+    {kSim, {"getSimCustMapArrayFeature"}, getSimCustMapArrayFeature},
 };
 
 // Codes of the device, and each family's maps in the order in which they are tested.
@@ -215,13 +163,19 @@ const Log kPropertyReads[] = {
 
 void Append(Log& log, const Log& more) { log.insert(log.end(), more.begin(), more.end()); }
 
+std::string Call(const std::string& function, const std::string& map, const std::string& key,
+                 const std::string& given = "") {
+  return function + '(' + map + ", " + key + given + ')';
+}
+
 // The family's tests up to the map at `place`, or of all its maps.
 Log Tests(const Member& member, const Codes& codes, std::size_t place, const std::string& key) {
   Log log = kPropertyReads[member.family];
   const auto& maps = codes.maps[member.family];
+  const std::string test =
+      (member.family == kSim ? "sim_get_" : "get_") + kKinds[member.kind].name + "_item_exist";
   for (std::size_t i = 0; i < maps.size() && i <= place; ++i) {
-    const char* sim = member.family == kSim ? "sim_" : "";
-    log.push_back(sim + std::string(kKinds[member.kind].exists) + "(" + maps[i] + ", " + key + ")");
+    log.push_back(Call(test, maps[i], key));
   }
   return log;
 }
@@ -233,12 +187,12 @@ Log Reading(const Member& member, const Codes& codes, std::size_t place, const s
   const auto& maps = codes.maps[member.family];
   const std::string map = place < maps.size() ? maps[place] : "DEFAULT";
   const char* given = for_sim && member.kind == kString ? ", " : kind.default_value;
-  Log read = {kind.read + ("(" + map + ", " + key) + given + ")"};
+  Log read = {Call("get_" + kind.name + "_from_map", map, key, given)};
   Append(read, kind.frees);
-  Log log;
   const bool is_list = member.kind > kString;
+  Log log;
   if (!is_list) log = read;
-  log.push_back((is_list ? "puts(" : "printf(") + member.lines.at(place) + ")");
+  log.push_back((is_list ? "puts(" : "printf(") + member.Line(place) + ")");
   Append(log, read);
   return log;
 }
@@ -256,7 +210,7 @@ TEST(Lookup, EveryMemberAlongEveryPath) {
   for (const Member& member : kMembers) {
     for (const Codes& codes : kCodes) {
       for (const std::string& key : {std::string("k"), std::string(), kLong}) {
-        for (std::size_t place = 0; place < member.lines.size(); ++place) {
+        for (std::size_t place = 0; place < member.Places(); ++place) {
           Prepare(codes.region, codes.carrier, member.kind);
           // Where two maps of the chain are one, the second can't be the first to answer.
           if (!LetAnswer(codes.maps[member.family], place)) continue;
@@ -277,7 +231,7 @@ TEST(Lookup, SimEndsInTheWholeCarrierAndRegionLookup) {
     for (const Member& last : kMembers) {
       if (last.family != kCarrierAndRegion || last.kind != member.kind) continue;
       for (const Codes& codes : kCodes) {
-        for (std::size_t place = 0; place < last.lines.size(); ++place) {
+        for (std::size_t place = 0; place < last.Places(); ++place) {
           Prepare(codes.region, codes.carrier, member.kind);
           LetAnswer(codes.maps[kCarrierAndRegion], place);
           Log expected = Tests(member, codes, 2, "k");
