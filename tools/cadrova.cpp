@@ -211,6 +211,7 @@ std::string ToJson(const Value& value) {
 int main(int argc, char** argv) {
   CLI::App app("Asks how this device unit is customized.", "cadrova");
   app.require_subcommand(1);
+  app.set_version_flag("--version", CADROVA_VERSION);
   CLI::App& get = *app.add_subcommand("get", "Print the value of one feature");
   std::string family_name;
   std::string kind_name;
@@ -223,23 +224,32 @@ int main(int argc, char** argv) {
   bool json = false;
   get.add_option("FAMILY", family_name,
                  "Which maps to ask: default, region, carrier, carrier-region or sim")
-      ->required();
+      ->required()
+      ->type_name("");
   get.add_option("KIND", kind_name,
                  "bool, int, float, string, string-array, int-array or map-array")
-      ->required();
-  get.add_option("KEY", key, "The feature key")->required();
+      ->required()
+      ->type_name("");
+  get.add_option("KEY", key, "The feature key")->required()->type_name("");
   const CLI::Option* default_option =
-      get.add_option("DEFAULT", default_text, "For a missing item; left out: false, 0, 0 or empty");
+      get.add_option("DEFAULT", default_text, "For a missing item; left out: false, 0, 0 or empty")
+          ->type_name("");
   const CLI::Option* data_option =
-      get.add_option("--data", data, "The customization file of the stand-in core");
-  const CLI::Option* region_option = get.add_option(
-      "--region", region, "The region code; left out, what the property store holds");
-  const CLI::Option* carrier_option = get.add_option(
-      "--carrier", carrier, "The carrier code; left out, what the property store holds");
-  get.add_option("--sim", sim_items, "KEY=VALUE, handed over for the SIM first; may be repeated")
+      get.add_option("--data", data, "The customization file of the stand-in core")
+          ->type_name("FILE");
+  const CLI::Option* region_option =
+      get.add_option("--region", region, "The region code; left out, what the property store holds")
+          ->type_name("CODE");
+  const CLI::Option* carrier_option =
+      get.add_option("--carrier", carrier,
+                     "The carrier code; left out, what the property store holds")
+          ->type_name("CODE");
+  get.add_option("--sim", sim_items, "Handed over for the SIM first; may be repeated")
+      ->type_name("KEY=VALUE")
       ->expected(1)
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
   get.add_flag("--json", json, "Print the value as one JSON value");
+  get.footer("As: cadrova get carrier-region int calling.ring_seconds --region EU --carrier X1\n");
   get.allow_extras();
   try {
     app.parse(argc, argv);
