@@ -102,7 +102,7 @@ void Check(List (*read)(std::string, std::string), const std::string& asked,
     List value(1);
     Log log = {asked};
     log.insert(log.end(), frees.begin(), frees.end());
-    EXPECT_EQ(Record([&, read = read] { value = read("M", "k"); }), log);
+    EXPECT_EQ(Record([&] { value = read("M", "k"); }), log);
     EXPECT_EQ(value, expected);
   }
 }

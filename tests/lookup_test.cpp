@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <tuple>
 #include <variant>
@@ -83,7 +84,6 @@ struct Member {
           return testing::PrintToString(lookup(key, std::get<Given>(kDefaults)...));
         }) {}
 
-  std::size_t Places() const { return kWords[family].size(); }
   std::string Line(std::size_t place) const {
     return names[names.size() == 1 ? 0 : place] + kWords[family][place] + kKinds[kind].line_end;
   }
@@ -168,30 +168,41 @@ std::string Call(const std::string& function, const std::string& map, const std:
   return function + '(' + map + ", " + key + given + ')';
 }
 
-// The family's tests up to the map at `place`, or of all its maps.
-Log Tests(const Member& member, const Codes& codes, std::size_t place, const std::string& key) {
-  Log log = kPropertyReads[member.family];
+// All maps that a lookup may test, in order; a SIM lookup goes on to the carrier-and-region chain.
+std::vector<std::string> Maps(const Member& member, const Codes& codes) {
+  std::vector<std::string> maps = codes.maps[member.family];
+  if (member.family == kSim) Append(maps, codes.maps[kCarrierAndRegion]);
+  return maps;
+}
+
+const Member& CarrierAndRegionMember(Kind kind) {
+  return *std::ranges::find_if(kMembers, [kind](const Member& member) {
+    return member.family == kCarrierAndRegion && member.kind == kind;
+  });
+}
+
+// What a lookup does where the map at `place` is the first to answer, or none is: the codes' reads,
+// the tests up to there, and two readings around the line, or one after it.
+Log Expected(const Member& member, const Codes& codes, std::size_t place, const std::string& key,
+             const std::string& default_value) {
+  const auto& kind = kKinds[member.kind];
   const auto& maps = codes.maps[member.family];
+  Log log = kPropertyReads[member.family];
   const std::string test =
-      (member.family == kSim ? "sim_get_" : "get_") + kKinds[member.kind].name + "_item_exist";
+      (member.family == kSim ? "sim_get_" : "get_") + kind.name + "_item_exist";
   for (std::size_t i = 0; i < maps.size() && i <= place; ++i) {
     log.push_back(Call(test, maps[i], key));
   }
-  return log;
-}
-
-// The report on the map at `place`: two readings around the line, or one after it.
-Log Reading(const Member& member, const Codes& codes, std::size_t place, const std::string& key,
-            bool for_sim) {
-  const auto& kind = kKinds[member.kind];
-  const auto& maps = codes.maps[member.family];
+  if (member.family == kSim && place >= maps.size()) {
+    Append(log, Expected(CarrierAndRegionMember(member.kind), codes, place - maps.size(), key,
+                         default_value));
+    return log;
+  }
   const std::string map = place < maps.size() ? maps[place] : "DEFAULT";
-  const char* given = for_sim && member.kind == kString ? ", " : kind.default_value;
-  Log read = {Call("get_" + kind.name + "_from_map", map, key, given)};
+  Log read = {Call("get_" + kind.name + "_from_map", map, key, default_value)};
   Append(read, kind.frees);
   const bool is_list = member.kind > kString;
-  Log log;
-  if (!is_list) log = read;
+  if (!is_list) Append(log, read);
   log.push_back((is_list ? "puts(" : "printf(") + member.Line(place) + ")");
   Append(log, read);
   return log;
@@ -208,37 +219,18 @@ bool LetAnswer(const std::vector<std::string>& maps, std::size_t place) {
 
 TEST(Lookup, EveryMemberAlongEveryPath) {
   for (const Member& member : kMembers) {
+    const bool has_no_default = member.family == kSim && member.kind == kString;
+    const std::string given = has_no_default ? ", " : kKinds[member.kind].default_value;
     for (const Codes& codes : kCodes) {
+      const std::vector<std::string> maps = Maps(member, codes);
       for (const std::string& key : {std::string("k"), std::string(), kLong}) {
-        for (std::size_t place = 0; place < member.Places(); ++place) {
+        for (std::size_t place = 0; place <= maps.size(); ++place) {
           Prepare(codes.region, codes.carrier, member.kind);
           // Where two maps of the chain are one, the second can't be the first to answer.
-          if (!LetAnswer(codes.maps[member.family], place)) continue;
-          Log expected = Tests(member, codes, place, key);
-          Append(expected, Reading(member, codes, place, key, member.family == kSim));
+          if (!LetAnswer(maps, place)) continue;
           std::string returned;
-          EXPECT_EQ(Record([&] { returned = member.call(key); }), expected);
-          EXPECT_EQ(returned, kKinds[member.kind].returned);
-        }
-      }
-    }
-  }
-}
-
-TEST(Lookup, SimEndsInTheWholeCarrierAndRegionLookup) {
-  for (const Member& member : kMembers) {
-    if (member.family != kSim) continue;
-    for (const Member& last : kMembers) {
-      if (last.family != kCarrierAndRegion || last.kind != member.kind) continue;
-      for (const Codes& codes : kCodes) {
-        for (std::size_t place = 0; place < last.Places(); ++place) {
-          Prepare(codes.region, codes.carrier, member.kind);
-          LetAnswer(codes.maps[kCarrierAndRegion], place);
-          Log expected = Tests(member, codes, 2, "k");
-          Append(expected, Tests(last, codes, place, "k"));
-          Append(expected, Reading(last, codes, place, "k", true));
-          std::string returned;
-          EXPECT_EQ(Record([&] { returned = member.call("k"); }), expected);
+          EXPECT_EQ(Record([&] { returned = member.call(key); }),
+                    Expected(member, codes, place, key, given));
           EXPECT_EQ(returned, kKinds[member.kind].returned);
         }
       }
