@@ -34,7 +34,8 @@ std::string android::base::GetProperty(const std::string& key, const std::string
 
 extern "C" {
 
-cadrova_core_bool get_bool_from_map(const std::string&, const std::string&, bool given) {
+cadrova_core_bool get_bool_from_map(const std::string&, const std::string&,
+                                    cadrova_core_bool given) {
   return given;
 }
 std::int32_t get_int_from_map(const std::string&, const std::string&, std::int32_t given) {

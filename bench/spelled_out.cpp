@@ -16,7 +16,8 @@
 
 namespace android {
 
-using android::base::GetProperty;
+using base::GetProperty;
+using cadrova::IsYes;
 
 int getIntFromRust(std::string map, std::string key, int default_value) {
   return get_int_from_map(std::string(map), std::string(key), default_value);

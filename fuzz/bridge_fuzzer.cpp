@@ -129,7 +129,8 @@ void __wrap_free(void* block) {
 }
 
 // The core; what is not fuzzed is there to be linked.
-cadrova_core_bool get_bool_from_map(const std::string&, const std::string&, bool given) {
+cadrova_core_bool get_bool_from_map(const std::string&, const std::string&,
+                                    cadrova_core_bool given) {
   return given;
 }
 std::int32_t get_int_from_map(const std::string&, const std::string&, std::int32_t given) {

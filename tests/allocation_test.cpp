@@ -29,7 +29,7 @@ constexpr std::size_t kShortNameTest = kTest - 1;
 // The carrier property's key has 24 bytes; the region property's fits. Their values are allocated
 // by the store, which is not counted here.
 constexpr std::size_t kCarrier = 1;
-// A composed map name.
+// A composed map name; that of carrier and region is joined of two.
 constexpr std::size_t kName = 1;
 
 // The defaults are as long as the names.
@@ -61,20 +61,20 @@ const Case kCases[] = {
     {"carrier list, fallback", android::getCotaCustIntArrayFeature, "-",
      kCarrier + kName + kTest + kShortNameRead},
     {"both, int, found in the first", android::getCotaRegionCustIntFeature, "COTA_",
-     kCarrier + 2 * kName + kTest + 2 * kRead},
+     kCarrier + 3 * kName + kTest + 2 * kRead},
     {"both, int, found in the region's", android::getCotaRegionCustIntFeature, "well",
-     kCarrier + 2 * kName + 3 * kTest + 2 * kRead},
+     kCarrier + 3 * kName + 3 * kTest + 2 * kRead},
     {"both, int, fallback", android::getCotaRegionCustIntFeature, "-",
-     kCarrier + 2 * kName + 3 * kTest + 2 * kShortNameRead},
+     kCarrier + 3 * kName + 3 * kTest + 2 * kShortNameRead},
     {"both, string, found in the first", android::getCotaRegionCustStringFeature, "COTA_",
-     kCallersDefault + kCarrier + 2 * kName + kTest + 2 * kStringRead},
+     kCallersDefault + kCarrier + 3 * kName + kTest + 2 * kStringRead},
     {"sim, int, found", android::getSimCustIntFeature, "SIM_well",
      kCarrier + kName + kTest + 2 * kRead},
     {"sim, int, found in any", android::getSimCustIntFeature, "SIM_D",
      kCarrier + kName + kTest + kShortNameTest + 2 * kShortNameRead},
     {"sim, list, handed over", android::getSimCustIntArrayFeature, "-",
      // The exported lookup that it ends in gets its own copy of the key.
-     kCarrier + kName + kTest + kShortNameTest + 1 + kCarrier + 2 * kName + 3 * kTest +
+     kCarrier + kName + kTest + kShortNameTest + 1 + kCarrier + 3 * kName + 3 * kTest +
          kShortNameRead},
 };
 

@@ -51,7 +51,7 @@ class DataFile : public testing::Environment {
 const auto* const kDataFile = testing::AddGlobalTestEnvironment(new DataFile);
 
 TEST(StandInCore, AnItemExistsAsItsOwnKindOnly) {
-  const std::pair<const char*, cadrova_existence_test*> kinds[] = {
+  const std::pair<const char*, decltype(&get_int_item_exist)> kinds[] = {
       {"yes", get_bool_item_exist},        {"int", get_int_item_exist},
       {"float", get_float_item_exist},     {"text", get_str_item_exist},
       {"strings", get_str_arr_item_exist}, {"ints", get_int_arr_item_exist},

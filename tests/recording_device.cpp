@@ -115,12 +115,10 @@ std::string android::base::GetProperty(const std::string& key, const std::string
 
 extern "C" {
 
-// The core's Boolean getter as foreign code would call it: the default is a whole byte.
-cadrova_core_bool get_bool_from_map(const std::string& map, const std::string& key, bool given) {
-  std::uint8_t byte = 0;
-  std::memcpy(&byte, &given, 1);
-  Asked("get_bool_from_map", map, key, std::to_string(byte));
-  return recording::Next(device.bools, byte);
+cadrova_core_bool get_bool_from_map(const std::string& map, const std::string& key,
+                                    cadrova_core_bool given) {
+  Asked("get_bool_from_map", map, key, std::to_string(given));
+  return recording::Next(device.bools, given);
 }
 
 std::int32_t get_int_from_map(const std::string& map, const std::string& key, std::int32_t given) {

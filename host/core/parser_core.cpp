@@ -180,8 +180,8 @@ using namespace cadrova::host;
 void cadrova_host_use_data(const char* path) { Data::The(path); }
 
 cadrova_core_bool get_bool_from_map(const std::string& map, const std::string& key,
-                                    bool default_value) {
-  return Get<bool>(map, key, default_value);
+                                    cadrova_core_bool default_value) {
+  return Get<bool>(map, key, android::cadrova::IsYes(default_value));
 }
 
 std::int32_t get_int_from_map(const std::string& map, const std::string& key,

@@ -12,18 +12,20 @@
 // core's own.
 #pragma once
 
+#include <bit>
 #include <cstdint>
 #include <string>
 
 extern "C" {
 
-// A `bool` as the core returns it. Only the lowest bit counts, and compilers disagree on what a
-// foreign `bool` of 2 means, so the answer is taken as a byte and tested with `IsYes`.
+// A `bool` as it crosses the boundary. Only the lowest bit counts, and compilers disagree on what a
+// foreign `bool` of 2 means, so it goes both ways as a byte: an answer is tested with `IsYes`, and
+// a default made with `LowestBit`.
 using cadrova_core_bool = std::uint8_t;
 
 // Value getters: the item of that kind under `key` in `map`, or else `default_value`.
 cadrova_core_bool get_bool_from_map(const std::string& map, const std::string& key,
-                                    bool default_value);
+                                    cadrova_core_bool default_value);
 std::int32_t get_int_from_map(const std::string& map, const std::string& key,
                               std::int32_t default_value);
 float get_float_from_map(const std::string& map, const std::string& key, float default_value);
@@ -46,23 +48,21 @@ std::int32_t* get_int_arr_from_map(const std::string& map, const std::string& ke
 char** get_map_arr_from_map(const std::string& map, const std::string& key);
 
 // Existence tests: whether `map` holds an item of that kind under `key`.
-using cadrova_existence_test = cadrova_core_bool(const std::string& map, const std::string& key);
-
-cadrova_existence_test get_bool_item_exist;
-cadrova_existence_test get_int_item_exist;
-cadrova_existence_test get_float_item_exist;
-cadrova_existence_test get_str_item_exist;
-cadrova_existence_test get_str_arr_item_exist;
-cadrova_existence_test get_int_arr_item_exist;
-cadrova_existence_test get_map_arr_item_exist;
+cadrova_core_bool get_bool_item_exist(const std::string& map, const std::string& key);
+cadrova_core_bool get_int_item_exist(const std::string& map, const std::string& key);
+cadrova_core_bool get_float_item_exist(const std::string& map, const std::string& key);
+cadrova_core_bool get_str_item_exist(const std::string& map, const std::string& key);
+cadrova_core_bool get_str_arr_item_exist(const std::string& map, const std::string& key);
+cadrova_core_bool get_int_arr_item_exist(const std::string& map, const std::string& key);
+cadrova_core_bool get_map_arr_item_exist(const std::string& map, const std::string& key);
 
 // The same, asked of the SIM customization data. There is none for floats.
-cadrova_existence_test sim_get_bool_item_exist;
-cadrova_existence_test sim_get_int_item_exist;
-cadrova_existence_test sim_get_str_item_exist;
-cadrova_existence_test sim_get_str_arr_item_exist;
-cadrova_existence_test sim_get_int_arr_item_exist;
-cadrova_existence_test sim_get_map_arr_item_exist;
+cadrova_core_bool sim_get_bool_item_exist(const std::string& map, const std::string& key);
+cadrova_core_bool sim_get_int_item_exist(const std::string& map, const std::string& key);
+cadrova_core_bool sim_get_str_item_exist(const std::string& map, const std::string& key);
+cadrova_core_bool sim_get_str_arr_item_exist(const std::string& map, const std::string& key);
+cadrova_core_bool sim_get_int_arr_item_exist(const std::string& map, const std::string& key);
+cadrova_core_bool sim_get_map_arr_item_exist(const std::string& map, const std::string& key);
 
 // Hands two strings of SIM customization to the core, to be filed under `name`.
 void cxx_sim_set_the_cadrova(const std::string& name, const std::string& first,
@@ -70,8 +70,15 @@ void cxx_sim_set_the_cadrova(const std::string& name, const std::string& first,
 
 }  // extern "C"
 
-namespace android {
+namespace android::cadrova {
+
+static_assert(sizeof(void*) == 8 && std::endian::native == std::endian::little);
 
 constexpr bool IsYes(cadrova_core_bool answer) { return (answer & 1) != 0; }
 
-}  // namespace android
+// Volatile, since compilers take it for granted that a caller's `bool` is 0 or 1.
+inline cadrova_core_bool LowestBit(const bool& flag) {
+  return *reinterpret_cast<const volatile cadrova_core_bool*>(&flag) & 1;
+}
+
+}  // namespace android::cadrova

@@ -1,6 +1,7 @@
 // The parser core's answers as standard-library values, each block released as the core asks.
 
 #include <cstdlib>
+#include <cstring>
 
 #include "bridge/ask.h"
 #include "bridge/parser_core.h"
@@ -8,8 +9,10 @@
 
 namespace android {
 
+using namespace cadrova;
+
 bool getBooleanFromRust(std::string map, std::string key, bool default_value) {
-  return IsYes(Ask(get_bool_from_map, map, key, default_value));
+  return IsYes(Ask(get_bool_from_map, map, key, LowestBit(default_value)));
 }
 
 int getIntFromRust(std::string map, std::string key, int default_value) {
@@ -22,7 +25,7 @@ float getFloatFromRust(std::string map, std::string key, float default_value) {
 
 std::string getStringFromRust(std::string map, std::string key, std::string default_value) {
   char* const block = Ask(get_str_from_map, map, key, default_value);
-  std::string value = block;
+  std::string value(block, std::strlen(block));
   std::free(block);
   return value;
 }

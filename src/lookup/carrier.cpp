@@ -1,75 +1,76 @@
 // Carrier lookups: what the device's carrier says, or else the default map.
-//
-//   1. "COTA_" and the carrier code
-//   2. "DEFAULT", without a test
 
 #include "lookup/lookup.h"
 
 namespace android {
 namespace {
 
-constexpr std::size_t kLineSize = 64;
+using namespace cadrova;
+
+std::string CarrierMap() { return Joined("COTA_", CarrierCode()); }
+
 template <class Value>
-using CarrierLine = Line<Value, kLineSize>;
+struct Lines {
+  Line<Value> in_carrier, in_default;
+};
 
-// The place of each map's line.
-enum : unsigned { kInCarrier = 0 * kLineSize, kInDefault = 1 * kLineSize };
-
-Answer Carrier(cadrova_existence_test* exists, const std::string& key) {
-  std::string carrier_map = Joined("COTA_", CarrierCode());
-  if (Holds(exists, carrier_map, key)) return {std::move(carrier_map), kInCarrier};
-  return {"DEFAULT", kInDefault};
+template <class Value, class... Default>
+Value LookUp(Lines<Value> lines, const std::string& key, const Default&... default_value) {
+  const std::string carrier_map = CarrierMap();
+  if (Holds(Kind<Value>::exists, carrier_map, key)) {
+    return Report(lines.in_carrier, carrier_map, key, default_value...);
+  }
+  return Report(lines.in_default, "DEFAULT", key, default_value...);
 }
 
 }  // namespace
 
 bool getCotaCustBooleanFeature(std::string key, bool default_value) {
-  static constexpr CarrierLine<bool> kLines[] = {
-      "getCotaCustBooleanFeature exist with the carrier : %d \n",
-      "getCotaCustBooleanFeature do not exist with the carrier : %d \n"};
-  return Lookup(kLines, Carrier, get_bool_item_exist, key, default_value);
+  return LookUp<bool>(
+      {.in_carrier = "getCotaCustBooleanFeature exist with the carrier : %d \n",
+       .in_default = "getCotaCustBooleanFeature do not exist with the carrier : %d \n"},
+      key, default_value);
 }
 
 int getCotaCustIntFeature(std::string key, int default_value) {
-  static constexpr CarrierLine<int> kLines[] = {
-      "getCotaCustIntFeature exist with the carrier : %d \n",
-      "getCotaCustIntFeature do not exist with the carrier : %d \n"};
-  return Lookup(kLines, Carrier, get_int_item_exist, key, default_value);
+  return LookUp<int>({.in_carrier = "getCotaCustIntFeature exist with the carrier : %d \n",
+                      .in_default = "getCotaCustIntFeature do not exist with the carrier : %d \n"},
+                     key, default_value);
 }
 
 float getCotaCustFloatFeature(std::string key, float default_value) {
-  static constexpr CarrierLine<float> kLines[] = {
-      "getCotaCustFloatFeature exist with the carrier : %f \n",
-      "getCotaCustFloatFeature do not exist with the carrier : %f \n"};
-  return Lookup(kLines, Carrier, get_float_item_exist, key, default_value);
+  return LookUp<float>(
+      {.in_carrier = "getCotaCustFloatFeature exist with the carrier : %f \n",
+       .in_default = "getCotaCustFloatFeature do not exist with the carrier : %f \n"},
+      key, default_value);
 }
 
 std::string getCotaCustStringFeature(std::string key, std::string default_value) {
-  static constexpr CarrierLine<std::string> kLines[] = {
-      "getCotaCustStringFeature exist with the carrier : %s \n",
-      "getCotaCustStringFeature do not exist with the carrier : %s \n"};
-  return Lookup(kLines, Carrier, get_str_item_exist, key, default_value);
+  return LookUp<std::string>(
+      {.in_carrier = "getCotaCustStringFeature exist with the carrier : %s \n",
+       .in_default = "getCotaCustStringFeature do not exist with the carrier : %s \n"},
+      key, default_value);
 }
 
 std::vector<std::string> getCotaCustStringArrayFeature(std::string key) {
-  static constexpr CarrierLine<StringArray> kLines[] = {
-      "getCotaCustStringArrayFeature exist with the carrier ! ",
-      "getCotaCustStringArrayFeature do not exist with the carrier ! "};
-  return Lookup(kLines, Carrier, get_str_arr_item_exist, key);
+  return LookUp<StringArray>(
+      {.in_carrier = "getCotaCustStringArrayFeature exist with the carrier ! ",
+       .in_default = "getCotaCustStringArrayFeature do not exist with the carrier ! "},
+      key);
 }
 
 std::vector<int> getCotaCustIntArrayFeature(std::string key) {
-  static constexpr CarrierLine<IntArray> kLines[] = {
-      "getCotaCustIntArrayFeature exist with the carrier ! ",
-      "getCotaCustIntArrayFeature do not exist with the carrier ! "};
-  return Lookup(kLines, Carrier, get_int_arr_item_exist, key);
+  return LookUp<IntArray>(
+      {.in_carrier = "getCotaCustIntArrayFeature exist with the carrier ! ",
+       .in_default = "getCotaCustIntArrayFeature do not exist with the carrier ! "},
+      key);
 }
 
 std::vector<std::pair<std::string, std::string>> getCotaCustMapArrayFeature(std::string key) {
-  static constexpr CarrierLine<MapArray> kLines[] = {
-      "getCotaCustMapArrayFeature exist with the carrier ! ",
-      "getCotaCustMapArrayFeature do not exist with the carrier ! "};
-  return Lookup(kLines, Carrier, get_map_arr_item_exist, key);
+  return LookUp<MapArray>(
+      {.in_carrier = "getCotaCustMapArrayFeature exist with the carrier ! ",
+       .in_default = "getCotaCustMapArrayFeature do not exist with the carrier ! "},
+      key);
 }
 
 }  // namespace android

@@ -1,114 +1,61 @@
-// The way of one lookup: a family resolves which map answers, and a kind reports and reads that
-// map. Neither knows the other; an exported function joins the two.
+// What a lookup is made of: the device's codes, names composed of them, whether a map holds an
+// item, and the reading that prints a line and comes back with the value.
 #pragma once
+
+#include <android-base/properties.h>
 
 #include <cstdio>
 #include <string>
-#include <type_traits>
-#include <utility>
-#include <vector>
 
+#include "bridge/ask.h"
 #include "bridge/parser_core.h"
-#include "cadrova/cadrova.h"
-#include "lookup/device.h"
+#include "lookup/kind.h"
 #include "lookup/line.h"
 
-namespace android {
+namespace android::cadrova {
 
-using StringArray = std::vector<std::string>;
-using IntArray = std::vector<int>;
-using MapArray = std::vector<std::pair<std::string, std::string>>;
+// The device's codes, verbatim; empty where their system property is unset.
+inline std::string RegionCode() { return base::GetProperty("ro.orvel.region", ""); }
+inline std::string CarrierCode() { return base::GetProperty("persist.sys.cota.carrier", ""); }
 
-// The map that answers, and which of the lookup's lines says so, as its offset among them in bytes.
-struct Answer {
-  std::string map;
-  unsigned line;
-};
+// Two parts of a map name. Flattened, since most fronts are constants and then no more than a
+// store.
+[[gnu::flatten]] inline std::string Joined(const std::string& front, const std::string& back) {
+  return front + back;
+}
 
-// A family: asks its maps in order, with the existence test of the kind in question.
-using Family = Answer(cadrova_existence_test* exists, const std::string& key);
+using ExistenceTest = cadrova_core_bool(const std::string& map, const std::string& key);
 
-// A kind is known by its value's type; this is how the bridge reads it.
-template <class Value>
-inline constexpr std::nullptr_t kRead = nullptr;
-template <>
-inline constexpr auto kRead<bool> = getBooleanFromRust;
-template <>
-inline constexpr auto kRead<int> = getIntFromRust;
-template <>
-inline constexpr auto kRead<float> = getFloatFromRust;
-template <>
-inline constexpr auto kRead<std::string> = getStringFromRust;
-template <>
-inline constexpr auto kRead<StringArray> = getStringArrayFromRust;
-template <>
-inline constexpr auto kRead<IntArray> = getIntArrayFromRust;
-template <>
-inline constexpr auto kRead<MapArray> = getMapFromRust;
+// Whether `map` holds an item under `key`, of the kind and in the data that `exists` asks about.
+// Compiled once and called: copies are most of it, and lookups ask in many places.
+[[gnu::noinline]] inline bool Holds(ExistenceTest* exists, const std::string& map,
+                                    const std::string& key) {
+  return IsYes(Ask(exists, map, key));
+}
 
-template <class Value>
-inline constexpr bool kIsList = !std::is_arithmetic_v<Value> && !std::is_same_v<Value, std::string>;
-
-// A default as it is handed on; lists have none.
-template <class Value>
-using Default = std::conditional_t<std::is_arithmetic_v<Value>, Value, const Value&>;
-
+// A value as `printf` takes it.
 template <class Number>
 Number Printable(Number number) {
   return number;
 }
 inline const char* Printable(const std::string& text) { return text.c_str(); }
 
-// Scalars and strings are read, printed and read again: the line shows the first reading, and the
-// caller gets the second.
+// Scalars and strings: the line shows a first reading, and the caller gets a second.
 template <class Value>
-  requires(!kIsList<Value>)
-[[gnu::always_inline]] inline Value Report(const Answer& answer, const char* lines,
-                                           const std::string& key, Default<Value> default_value) {
-  {
-    const Value first_reading = kRead<Value>(answer.map, key, default_value);
+Value Report(Line<Value> line, const std::string& map, const std::string& key,
+             const Value& default_value) {
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"  // `Line` has checked it.
-    std::printf(lines + answer.line, Printable(first_reading));
+  std::printf(line.text, Printable(Kind<Value>::read(map, key, default_value)));
 #pragma GCC diagnostic pop
-  }
-  return kRead<Value>(answer.map, key, default_value);
+  return Kind<Value>::read(map, key, default_value);
 }
 
-// Lists are announced, then read once.
+// Lists: announced by the line, then read once.
 template <class Value>
-  requires kIsList<Value>
-[[gnu::always_inline]] inline Value Report(const Answer& answer, const char* lines,
-                                           const std::string& key) {
-  std::puts(lines + answer.line);
-  return kRead<Value>(answer.map, key);
+Value Report(Line<Value> line, const std::string& map, const std::string& key) {
+  std::puts(line.text);
+  return Kind<Value>::read(map, key);
 }
 
-// Compiled once a kind. The caller's arguments come first, where they already are, so that an
-// exported function does no more than to name the others.
-template <class Value, class... Given>
-[[gnu::noinline]] Value ResolveAndReport(const std::string& key, Given... default_value,
-                                         const char* lines, Family* family,
-                                         cadrova_existence_test* exists) {
-  const Answer answer = family(exists, key);
-  return Report<Value>(answer, lines, key, default_value...);
-}
-
-// The table that an exported function holds: its lines, in the order of the family's maps.
-template <class Value, std::size_t Size, std::size_t Count>
-using Lines = const Line<Value, Size>[Count];
-
-template <class Value, std::size_t Size, std::size_t Count>
-  requires kIsList<Value>
-Value Lookup(Lines<Value, Size, Count>& lines, Family* family, cadrova_existence_test* exists,
-             const std::string& key) {
-  return ResolveAndReport<Value>(key, lines->text, family, exists);
-}
-
-template <class Value, std::size_t Size, std::size_t Count>
-Value Lookup(Lines<Value, Size, Count>& lines, Family* family, cadrova_existence_test* exists,
-             const std::string& key, Default<Value> default_value) {
-  return ResolveAndReport<Value, Default<Value>>(key, default_value, lines->text, family, exists);
-}
-
-}  // namespace android
+}  // namespace android::cadrova

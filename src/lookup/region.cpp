@@ -1,75 +1,74 @@
 // Region lookups: what the device's region says, or else the default map.
-//
-//   1. the map named by the region code
-//   2. "DEFAULT", without a test
 
 #include "lookup/lookup.h"
 
 namespace android {
 namespace {
 
-constexpr std::size_t kLineSize = 64;
+using namespace cadrova;
+
 template <class Value>
-using RegionLine = Line<Value, kLineSize>;
+struct Lines {
+  Line<Value> in_region, in_default;
+};
 
-// The place of each map's line.
-enum : unsigned { kInRegion = 0 * kLineSize, kInDefault = 1 * kLineSize };
-
-Answer Region(cadrova_existence_test* exists, const std::string& key) {
-  Answer answer = {RegionCode(), kInRegion};
-  if (!Holds(exists, answer.map, key)) answer = {"DEFAULT", kInDefault};
-  return answer;
+template <class Value, class... Default>
+Value LookUp(Lines<Value> lines, const std::string& key, const Default&... default_value) {
+  const std::string region = RegionCode();
+  if (Holds(Kind<Value>::exists, region, key)) {
+    return Report(lines.in_region, region, key, default_value...);
+  }
+  return Report(lines.in_default, "DEFAULT", key, default_value...);
 }
 
 }  // namespace
 
 bool getRegionCustBooleanFeature(std::string key, bool default_value) {
-  static constexpr RegionLine<bool> kLines[] = {
-      "getRegionCustBooleanFeature exist with the region : %d \n",
-      "getRegionCustBooleanFeature do not exist with the region : %d \n"};
-  return Lookup(kLines, Region, get_bool_item_exist, key, default_value);
+  return LookUp<bool>(
+      {.in_region = "getRegionCustBooleanFeature exist with the region : %d \n",
+       .in_default = "getRegionCustBooleanFeature do not exist with the region : %d \n"},
+      key, default_value);
 }
 
 int getRegionCustIntFeature(std::string key, int default_value) {
-  static constexpr RegionLine<int> kLines[] = {
-      "getRegionCustIntFeature exist with the region : %d \n",
-      "getRegionCustIntFeature do not exist with the region : %d \n"};
-  return Lookup(kLines, Region, get_int_item_exist, key, default_value);
+  return LookUp<int>({.in_region = "getRegionCustIntFeature exist with the region : %d \n",
+                      .in_default = "getRegionCustIntFeature do not exist with the region : %d \n"},
+                     key, default_value);
 }
 
 float getRegionCustFloatFeature(std::string key, float default_value) {
-  static constexpr RegionLine<float> kLines[] = {
-      "getRegionCustFloatFeature exist with the region : %f \n",
-      "getRegionCustFloatFeature do not exist with the region : %f \n"};
-  return Lookup(kLines, Region, get_float_item_exist, key, default_value);
+  return LookUp<float>(
+      {.in_region = "getRegionCustFloatFeature exist with the region : %f \n",
+       .in_default = "getRegionCustFloatFeature do not exist with the region : %f \n"},
+      key, default_value);
 }
 
 std::string getRegionCustStringFeature(std::string key, std::string default_value) {
-  static constexpr RegionLine<std::string> kLines[] = {
-      "getRegionCustStringFeature exist with the region : %s \n",
-      "getRegionCustStringFeature do not exist with the region : %s \n"};
-  return Lookup(kLines, Region, get_str_item_exist, key, default_value);
+  return LookUp<std::string>(
+      {.in_region = "getRegionCustStringFeature exist with the region : %s \n",
+       .in_default = "getRegionCustStringFeature do not exist with the region : %s \n"},
+      key, default_value);
 }
 
 std::vector<std::string> getRegionCustStringArrayFeature(std::string key) {
-  static constexpr RegionLine<StringArray> kLines[] = {
-      "getRegionCustStringArrayFeature exist with the region ! ",
-      "getRegionCustStringArrayFeature do not exist with the region ! "};
-  return Lookup(kLines, Region, get_str_arr_item_exist, key);
+  return LookUp<StringArray>(
+      {.in_region = "getRegionCustStringArrayFeature exist with the region ! ",
+       .in_default = "getRegionCustStringArrayFeature do not exist with the region ! "},
+      key);
 }
 
 std::vector<int> getRegionCustIntArrayFeature(std::string key) {
-  static constexpr RegionLine<IntArray> kLines[] = {
-      "getRegionCustIntArrayFeature exist with the region ! ",
-      "getRegionCustIntArrayFeature do not exist with the region ! "};
-  return Lookup(kLines, Region, get_int_arr_item_exist, key);
+  return LookUp<IntArray>(
+      {.in_region = "getRegionCustIntArrayFeature exist with the region ! ",
+       .in_default = "getRegionCustIntArrayFeature do not exist with the region ! "},
+      key);
 }
 
 std::vector<std::pair<std::string, std::string>> getRegionCustMapArrayFeature(std::string key) {
-  static constexpr RegionLine<MapArray> kLines[] = {
-      "getRegionCustMapArrayFeature exist with the region ! ",
-      "getRegionCustMapArrayFeature do not exist with the region ! "};
-  return Lookup(kLines, Region, get_map_arr_item_exist, key);
+  return LookUp<MapArray>(
+      {.in_region = "getRegionCustMapArrayFeature exist with the region ! ",
+       .in_default = "getRegionCustMapArrayFeature do not exist with the region ! "},
+      key);
 }
 
 }  // namespace android

@@ -1,0 +1,82 @@
+// The seven kinds of value in one table: how the core is asked whether a map holds an item of the
+// kind, in SIM data too, how the bridge reads one, and how the lines about it end.
+//
+// Scalars and strings have a default, and lines that end in their `printf` conversion. Lists have
+// no default, and their lines show no value.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "bridge/parser_core.h"
+#include "cadrova/cadrova.h"
+
+namespace android::cadrova {
+
+using StringArray = std::vector<std::string>;
+using IntArray = std::vector<int>;
+using MapArray = std::vector<std::pair<std::string, std::string>>;
+
+// A kind is known by the type of its values.
+template <class Value>
+struct Kind;
+
+template <>
+struct Kind<bool> {
+  static constexpr auto exists = get_bool_item_exist;
+  static constexpr auto exists_in_sim = sim_get_bool_item_exist;
+  static constexpr auto read = getBooleanFromRust;
+  static constexpr std::string_view line_end = " : %d \n";
+};
+
+template <>
+struct Kind<int> {
+  static constexpr auto exists = get_int_item_exist;
+  static constexpr auto exists_in_sim = sim_get_int_item_exist;
+  static constexpr auto read = getIntFromRust;
+  static constexpr std::string_view line_end = " : %d \n";
+};
+
+template <>
+struct Kind<float> {
+  static constexpr auto exists = get_float_item_exist;
+  // The core has no SIM existence test for floats.
+  static constexpr auto read = getFloatFromRust;
+  static constexpr std::string_view line_end = " : %f \n";
+};
+
+template <>
+struct Kind<std::string> {
+  static constexpr auto exists = get_str_item_exist;
+  static constexpr auto exists_in_sim = sim_get_str_item_exist;
+  static constexpr auto read = getStringFromRust;
+  static constexpr std::string_view line_end = " : %s \n";
+};
+
+template <>
+struct Kind<StringArray> {
+  static constexpr auto exists = get_str_arr_item_exist;
+  static constexpr auto exists_in_sim = sim_get_str_arr_item_exist;
+  static constexpr auto read = getStringArrayFromRust;
+  static constexpr std::string_view line_end = " ! ";
+};
+
+template <>
+struct Kind<IntArray> {
+  static constexpr auto exists = get_int_arr_item_exist;
+  static constexpr auto exists_in_sim = sim_get_int_arr_item_exist;
+  static constexpr auto read = getIntArrayFromRust;
+  static constexpr std::string_view line_end = " ! ";
+};
+
+template <>
+struct Kind<MapArray> {
+  static constexpr auto exists = get_map_arr_item_exist;
+  static constexpr auto exists_in_sim = sim_get_map_arr_item_exist;
+  static constexpr auto read = getMapFromRust;
+  static constexpr std::string_view line_end = " ! ";
+};
+
+}  // namespace android::cadrova
