@@ -13,12 +13,16 @@
 ///   IntArray     std::vector<int>                                     an empty list
 ///   MapArray     std::vector<std::pair<std::string, std::string>>     an empty list
 ///
-/// An item of one kind does not exist as another. MapArray pairs are (key, value), in the order of
-/// the data, duplicates kept. A String ends before its first NUL byte.
+/// The library hands `default_value` to the core, which is to answer with it, or with no list,
+/// where an item is missing. Whether an item of one kind exists as another, and all else about the
+/// data, is the core's to say. MapArray pairs are (key, value), in the order of the data,
+/// duplicates kept. A String ends before its first NUL byte.
 ///
 /// Arguments and results are values: the caller owns what it passes and what it gets. Any string
-/// may be empty and is passed to the core unchanged. Nothing is thrown and there is no error
-/// result; a length that the standard library can't represent ends the process.
+/// may be empty and is passed to the core unchanged. There is no error result, and the library
+/// throws nothing: a length that the standard library can't represent ends the process, and so does
+/// memory that runs out. (A std::bad_alloc of `operator new` that the program does catch comes
+/// through the library, which releases nothing on its way.)
 ///
 /// Thread safety: any function may be called from any thread at any time. The library has no
 /// state, takes no lock and needs no initialisation.
