@@ -1,195 +1,198 @@
 // The cadrova command as its users run it: arguments in; standard output, standard error and exit
 // status out.
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
-#include <cstdlib>
-#include <fstream>
-#include <iterator>
+#include <array>
+#include <sstream>
 #include <string>
+#include <vector>
+
+#include "files.h"
 
 namespace {
+
+const std::string kData = TemporaryFile("data.toml", "[DEFAULT]" + kItems + "[\"\"]" + kItems + R"(
+[DEFAULT.a]
+b.c = 1
+"b.d" = 2
+[EU]
+float = 0.5
+[COTA_X1]
+float = 2.0
+[COTA_X1_EU]
+float = 1.0
+)");
 
 struct Outcome {
   std::string out, err;
   int status;
 };
 
-std::string Contents(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+// `line` has a bar between words; `setting` is one of the environment, as NAME=value.
+Outcome Cadrova(const std::string& line, const std::string& setting = "CADROVA_HOST_DATA=" + kData,
+                const std::string& out = TemporaryFile("out", "")) {
+  const std::string err = TemporaryFile("err", "");
+  std::vector<std::string> words = {"env", "-u", "CADROVA_HOST_PROPS", setting, CADROVA_COMMAND};
+  std::istringstream rest(line + '|');
+  for (std::string word; std::getline(rest, word, '|');) words.push_back(word);
+  std::vector<char*> arguments;
+  for (std::string& word : words) arguments.push_back(word.data());
+  arguments.push_back(nullptr);
+  const pid_t child = fork();
+  if (child == 0) {
+    const bool redirected = dup2(open(out.c_str(), O_WRONLY), STDOUT_FILENO) >= 0 &&
+                            dup2(open(err.c_str(), O_WRONLY), STDERR_FILENO) >= 0;
+    if (redirected) execvp("env", arguments.data());
+    _exit(126);
+  }
+  int status = -1;
+  EXPECT_EQ(waitpid(child, &status, 0), child);
+  return {out == "/dev/full" ? "" : Contents(out), Contents(err),
+          WIFEXITED(status) ? WEXITSTATUS(status) : -1};
 }
 
-std::string TempFile(const std::string& name, const std::string& contents) {
-  const std::string path = testing::TempDir() + "cadrova_command_test." + name;
-  std::ofstream(path, std::ios::binary) << contents;
-  return path;
-}
-
-// `arguments` as a shell would split them; `setting` as in `NAME=value`.
-Outcome Cadrova(const std::string& arguments, const std::string& setting = "") {
-  const std::string out = TempFile("out", "");
-  const std::string err = TempFile("err", "");
-  const std::string command =
-      setting + " " CADROVA_COMMAND " " + arguments + " >" + out + " 2>" + err;
-  const int status = std::system(command.c_str());
-  return {Contents(out), Contents(err), WIFEXITED(status) ? WEXITSTATUS(status) : -1};
+void Expect(const Outcome& outcome, const std::string& out, const std::string& err) {
+  EXPECT_EQ(outcome.out, out);
+  EXPECT_EQ(outcome.err, err);
+  EXPECT_EQ(outcome.status, 0) << err;
 }
 
 TEST(Command, PrintsTheValueAlone) {
-  const struct {
-    const char* arguments;
-    const char* out;
-  } cases[] = {
-      {"bool calling.volte", "false\n"},
-      {"int camera.max_zoom", "8\n"},
-      {"float camera.default_exposure", "0.5\n"},
-      {"float ui.font_scale", "1\n"},
-      {"string ui.theme", "slate\n"},
-      {"string calling.voicemail_number none", "\n"},
-      {"string-array camera.modes", "photo\nvideo\nportrait\nnight\n"},
-      {"int-array radio.lte_bands", "1\n3\n7\n20\n"},
-      {"map-array apn.list", "internet=default,supl\nmms=mms\n"},
-      {"bool calling.volte --json", "false\n"},
-      {"float ui.font_scale --json", "1.0\n"},
-      {"string ui.theme --json", "\"slate\"\n"},
-      {"int-array radio.lte_bands --json", "[1,3,7,20]\n"},
-      {"map-array apn.list --json", "[[\"internet\",\"default,supl\"],[\"mms\",\"mms\"]]\n"},
+  const std::pair<const char*, const char*> cases[] = {
+      // clang-format off
+      {"bool|bool", "true\n"}, {"int|int", "-2147483648\n"}, {"float|float", "0.35\n"},
+      {"string|string", "a text of 24 characters.\n"}, {"string-array|string-array", "a\n\nc\n"},
+      {"int-array|int-array", "2147483647\n0\n1\n2\n3\n4\n"},
+      {"map-array|map-array", "k=of 11 bytes\nk=\n"}, {"float|float|--json", "0.35\n"},
+      {"string-array|string-array|--json", "[\"a\",\"\",\"c\"]\n"},
+      {"map-array|map-array|--json", "[[\"k\",\"of 11 bytes\"],[\"k\",\"\"]]\n"},
+      // Feature keys of dotted keys, and of tables inside a map.
+      {"int|a.b.c", "1\n"}, {"int|a.b.d", "2\n"},
       // Missing items: the default, or what stands in for one.
-      {"bool nope", "false\n"},
-      {"bool nope true", "true\n"},
-      {"int nope -7", "-7\n"},
-      {"int '' 2147483647", "2147483647\n"},
-      {"float nope 1.1", "1.1\n"},
-      {"float nope -.5", "-0.5\n"},
-      {"float nope 16777216", "16777216\n"},
-      {"float nope -inf", "-inf\n"},
-      {"string nope", "\n"},
-      {"string nope 'a b'", "a b\n"},
-      {"string nope -- --x", "--x\n"},
-      {"string-array nope", ""},
-      {"int-array nope --json", "[]\n"},
+      {"bool|nope", "false\n"}, {"bool|int|true", "true\n"}, {"bool|nope|false", "false\n"},
+      {"int|nope", "0\n"}, {"int|nope|-7", "-7\n"}, {"int||2147483647", "2147483647\n"},
+      {"float|nope", "0\n"}, {"float|nope|-.5", "-0.5\n"}, {"float|nope|16777216", "16777216\n"},
+      {"float|nope|-Inf", "-inf\n"}, {"string|nope", "\n"}, {"string|nope|--|--x", "--x\n"},
+      {"string-array|int-array", ""}, {"int-array|nope", ""}, {"map-array|nope", ""},
+      {"int-array|none|--json", "[]\n"},
+      // clang-format on
   };
-  for (const auto& [arguments, out] : cases) {
-    const Outcome outcome = Cadrova(std::string("get default ") + arguments);
-    EXPECT_EQ(outcome.out, out) << arguments;
-    EXPECT_EQ(outcome.err, "") << arguments;
-    EXPECT_EQ(outcome.status, 0) << arguments;
+  for (const auto& [question, out] : cases) {
+    Expect(Cadrova(std::string("get|default|") + question), out, "");
   }
 }
 
-TEST(Command, AsksEveryFamilyForAnyRegionCarrierAndSim) {
-  const struct {
-    const char* arguments;
-    const char* out;
-    const char* err;
-  } cases[] = {
-      {"region int-array radio.lte_bands --region EU --json", "[1,3,7,8,20,28]\n",
-       "getRegionCustIntArrayFeature exist with the region ! \n"},
-      {"region int calling.ring_seconds --region eu", "30\n",
-       "getRegionCustIntFeature do not exist with the region : 30 \n"},
-      {"carrier string ui.theme --carrier N7", "ember\n",
-       "getCotaCustStringFeature exist with the carrier : ember \n"},
-      {"carrier bool nope true", "true\n",
-       "getCotaCustBooleanFeature do not exist with the carrier : 1 \n"},
-      {"carrier-region float radio.signal_smoothing --carrier X1 --region EU", "0.35\n",
-       "getCotaRegionCustFloatFeature exist with the carrier & region : 0.350000 \n"},
-      {"carrier-region map-array apn.list --region JP", "jp-internet=default\n",
-       "getCotaRegionCustStringArrayFeature exist with the region ! \n"},
-      {"sim int calling.ring_seconds --carrier X1", "15\n",
-       "getSimCustIntFeature exist with the carrier : 15 \n"},
-      {"sim int calling.ring_seconds", "35\n",
-       "getSimCustIntFeature do not exist with the carrier : 35 \n"},
-      {"sim string nope --region EU", "\n",
-       "getCotaRegionCustStringFeature do not exist with the carrier or region :  \n"},
-      {"sim string-array icons --carrier X1 --sim icons='[\"a\"]' --sim x=y", "a\n",
-       "getSimCustStringArrayFeature exist with the carrier ! \n"},
-      // From the property store, and in front of it.
-      {"region string ui.theme", "indigo\n",
-       "getRegionCustStringFeature exist with the region : indigo \n"},
-      {"region string ui.theme --region ''", "slate\n",
-       "getRegionCustStringFeature do not exist with the region : slate \n"},
-  };
-  const std::string properties = TempFile("props", "# a device\n\nro.orvel.region=JP\n");
-  for (const auto& [arguments, out, err] : cases) {
-    // The device has a region only where no other is given.
-    const bool on_device = std::string(arguments).starts_with("region string");
-    const Outcome outcome = Cadrova(std::string("get ") + arguments,
-                                    on_device ? "CADROVA_HOST_PROPS=" + properties : "");
-    EXPECT_EQ(outcome.out, out) << arguments;
-    EXPECT_EQ(outcome.err, err) << arguments;
-    EXPECT_EQ(outcome.status, 0) << arguments;
+TEST(Command, AsksTheLookupOfEachFamilyAndKind) {
+  const std::vector<std::array<std::string, 3>> kinds = {
+      // clang-format off
+      {"bool", "Boolean", "true"}, {"int", "Int", "5"}, {"float", "Float", ""},
+      {"string", "String", "x"}, {"string-array", "StringArray", "[\"x\"]"},
+      {"int-array", "IntArray", "[5]"}, {"map-array", "MapArray", "[[\"x\", \"5\"]]"}};
+  // clang-format on
+  const std::vector<std::array<std::string, 3>> families = {
+      {"region", "getRegionCust", "Feature exist with the region "},
+      {"carrier", "getCotaCust", "Feature do not exist with the carrier "},
+      {"carrier-region", "getCotaRegionCust", "Feature exist with the region "},
+      {"sim", "getSimCust", "Feature exist with the carrier "}};
+  for (const auto& [kind, kind_name, item] : kinds) {
+    for (const auto& [family, family_name, words] : families) {
+      if (family == "sim" && kind == "float") continue;
+      std::string line = family_name + kind_name + words;
+      if (line.starts_with("getCotaRegionCustMap")) line.replace(17, 3, "String");  // Another's.
+      const Outcome outcome =
+          Cadrova("get|" + family + '|' + kind + '|' + kind + "|--sim|" + kind + '=' + item);
+      EXPECT_TRUE(outcome.err.starts_with(line)) << line << outcome.err;
+    }
   }
+}
+
+TEST(Command, AnswersForTheCodesOfTheStoreOrThoseGivenFromTheFileNamedFirst) {
+  const std::string codes = "ro.orvel.region=US\nro.orvel.region=EU\npersist.sys.cota.carrier=X1\n";
+  const std::string store =
+      "CADROVA_HOST_PROPS=" + TemporaryFile("props", "# a device\n\n" + codes);
+  const std::vector<std::array<std::string, 3>> cases = {
+      {"", "1\n", " exist with the carrier & region : 1.000000 \n"},
+      {"|--carrier|", "0.5\n", " exist with the region : 0.500000 \n"},
+      {"|--region|", "2\n", " exist with the carrier : 2.000000 \n"},
+      {"|--region|eu|--carrier|X1", "2\n", " exist with the carrier : 2.000000 \n"}};
+  for (const auto& [options, out, line_end] : cases) {
+    Expect(Cadrova("get|carrier-region|float|float|--data|" + kData + options, store), out,
+           "getCotaRegionCustFloatFeature" + line_end);
+  }
+  Expect(Cadrova("get|--sim|k=1|--sim|k=x=y|sim|string|k"), "x=y\n",
+         "getSimCustStringFeature exist with the carrier : x=y \n");
+  const std::string one = TemporaryFile("one.toml", "[DEFAULT]\nint = 1\n");
+  Expect(Cadrova("get|default|int|int|--data|" + one), "1\n", "");
+  Expect(Cadrova("get|default|int|camera.max_zoom", "CADROVA_HOST_DATA="), "8\n", "");
 }
 
 TEST(Command, RefusesWithOneLineThatSaysWhy) {
-  const std::string malformed = TempFile("bad.toml", "[DEFAULT]\nx = 2026-11-24\n");
-  const std::string not_utf8 = TempFile("latin.toml", "[DEFAULT]\nx = \"\xE9\"\n");
+  const std::string mistaken = TemporaryFile("bad.toml", "[DEFAULT]\nx = 2026-11-24\n");
+  const std::string not_utf8 = TemporaryFile("latin.toml", "[DEFAULT]\nx = \"\xE9\"\n");
+  const std::string no_pair = TemporaryFile("no_pair", "a=b\nno equals sign\n");
+  const std::string no_key = TemporaryFile("no_key", "=b\n");
+  const std::string int_k = "get|default|int|k", region_k = "get|region|int|k";
+  const std::string store = "CADROVA_HOST_PROPS=";
   const struct {
-    std::string arguments;
-    std::string what;
+    std::string line, what, setting = "A=";
   } cases[] = {
-      {"", "subcommand is required"},
-      {"get default int", "KEY is required"},
-      {"get defalt int k",
-       "'defalt' is no family; use one of: default, region, carrier, carrier-region, sim"},
-      {"get default integer k",
-       "'integer' is no kind; use one of: bool, int, float, string, "
-       "string-array, int-array, map-array"},
-      {"get default int k 12abc", "default '12abc' is no int"},
-      {"get default int k ''", "default '' is no int"},
-      {"get default int k 3000000000", "out of the range of a 32-bit int"},
-      {"get default bool k 1", "default '1' is no bool"},
-      {"get default float k 1.5x", "default '1.5x' is no float"},
-      {"get default float k 1e39", "out of the range of a 32-bit float"},
-      {"get default string-array k x", "default 'x' is refused"},
-      {"get default int k 1 -2", "'-2' was not expected"},
-      {"get default int k --jsn", "'--jsn' was not expected"},
-      {"get default float k inf --json", "JSON has no inf"},
-      {"get default string k '\xE9' --json", "not UTF-8"},
-      {"get sim float k", "the sim family has no float"},
-      {"get sim string k x", "the sim family takes no default for a string"},
-      {"get sim int k --sim x", "--sim 'x' is no KEY=VALUE"},
-      {"get default int k --data /nowhere.toml", "/nowhere.toml: can't read"},
-      {"get default int k --data /tmp", "/tmp: can't read"},
-      {"get default int k --data " + malformed, malformed + ":2:5: a date"},
-      {"get default int k --data " + not_utf8, not_utf8 + ":2:5: "},
+      // clang-format off
+      {"nope", "A subcommand is required"},
+      {"get|default|int", "KEY is required"},
+      {"get|defalt|int|k",
+       "'defalt' is no family; use one of: default, region, carrier, carrier-region, sim\n"},
+      {"get|sim|integer|k",
+       "use one of: bool, int, float, string, string-array, int-array, map-array\n"},
+      {int_k + "|12abc", "default '12abc' is no int; use decimal digits\n"},
+      {int_k + "|", "default '' is no int"},
+      {int_k + "|3000000000", "default '3000000000' is out of the range of a 32-bit int\n"},
+      {"get|default|bool|k|1", "default '1' is no bool; use true or false\n"},
+      {"get|default|float|k|1x", "default '1x' is no float; write it like 0.5 or 1e3\n"},
+      {"get|default|float|k| 1", "default ' 1' is no float"},
+      {"get|default|float|k|", "default '' is no float"},
+      {"get|default|float|k|1e39", "default '1e39' is out of the range of a 32-bit float\n"},
+      {"get|sim|int-array|k|x", "'x' is refused: list kinds have none, a missing list is empty\n"},
+      {int_k + "|1|-2", "'-2' was not expected; see cadrova get --help\n"},
+      {int_k + "|--jsn", "'--jsn' was not expected"},
+      {"get|default|float|k|inf|--json", "JSON has no inf\n"},
+      {"get|default|string|k|\xE9|--json",
+       "the value is not UTF-8, which JSON can't carry; ask without --json\n"},
+      {"get|sim|float|k", "the sim family has no float: SIM data holds none; ask carrier-region\n"},
+      {"get|sim|string|k|x",
+       "the sim family takes no default for a string: a missing one is empty\n"},
+      {"get|sim|int|k|--sim|x", "--sim 'x' is no KEY=VALUE\n"},
+      {int_k + "|--data|/tmp", "/tmp: can't read"},
+      {int_k + "|--data|" + mistaken, mistaken + ":2:5: a date"},
+      {int_k + "|--data|" + not_utf8, not_utf8 + ":2:5: "},
+      {region_k, no_pair + ":2: not a key=value line: no equals sign\n", store + no_pair},
+      {region_k, no_key + ":1: not a key=value line: =b\n", store + no_key},
+      // clang-format on
   };
-  for (const auto& [arguments, what] : cases) {
-    const Outcome outcome = Cadrova(arguments);
-    EXPECT_EQ(outcome.out, "") << arguments;
-    EXPECT_NE(outcome.err.find(what), std::string::npos) << outcome.err;
-    EXPECT_EQ(outcome.err.find('\n'), outcome.err.size() - 1) << outcome.err;
-    EXPECT_EQ(outcome.status, 2) << arguments;
+  for (const auto& [line, what, setting] : cases) {
+    const auto [out, err, status] = Cadrova(line, setting);
+    EXPECT_NE(err.find(what), std::string::npos) << err;
+    EXPECT_EQ(err.find('\n'), err.size() - 1) << err;
+    EXPECT_EQ(std::pair(out, status), std::pair(std::string(), 2)) << err;
   }
 }
 
-TEST(Command, TakesItsDataFromTheFileNamedFirst) {
-  const std::string one = TempFile("one.toml", "[DEFAULT]\nx = 1\n");
-  const std::string two = TempFile("two.toml", "[DEFAULT]\nx = 2\n");
-  EXPECT_EQ(Cadrova("get default int x --data " + one, "CADROVA_HOST_DATA=" + two).out, "1\n");
-  EXPECT_EQ(Cadrova("get default int x", "CADROVA_HOST_DATA=" + two).out, "2\n");
-  EXPECT_EQ(Cadrova("get default int camera.max_zoom", "CADROVA_HOST_DATA=").out, "8\n");
-}
-
-TEST(Command, StopsOnPropertiesThatItCannotRead) {
-  const std::string bad = TempFile("bad_props", "a=b\nno equals sign\n");
-  for (const auto& [file, what] : {std::pair(bad, bad + ":2: not a key=value line"),
-                                   {"/nowhere", std::string("/nowhere: can't read")}}) {
-    const Outcome outcome = Cadrova("get region int k", "CADROVA_HOST_PROPS=" + file);
-    EXPECT_EQ(outcome.out, "");
-    EXPECT_EQ(outcome.err.find(what), 0U) << outcome.err;
-    EXPECT_EQ(outcome.status, 2);
+TEST(Command, HelpsAsTheReadmeShows) {
+  for (const std::string line : {"--help", "get|--help"}) {
+    const auto [out, err, status] = Cadrova(line);
+    const std::string help = "--help\n" + out.substr(0, out.find_last_not_of('\n') + 1) + "\n```";
+    EXPECT_NE(Contents(CADROVA_README).find(help), std::string::npos) << help;
   }
+  Expect(Cadrova("--version"), CADROVA_VERSION "\n", "");
 }
 
 TEST(Command, SaysSoWhereTheValueCannotBeWritten) {
-  const std::string err = TempFile("err", "");
-  const int status = std::system(
-      ("( " CADROVA_COMMAND " get default string ui.theme >/dev/full ) 2>" + err).c_str());
-  EXPECT_EQ(WEXITSTATUS(status), 2);
-  EXPECT_EQ(Contents(err), "cadrova: can't write the value to standard output\n");
+  const Outcome outcome = Cadrova("get|default|int|k", "A=", "/dev/full");
+  EXPECT_EQ(outcome.err, "cadrova: can't write the value to standard output\n");
+  EXPECT_EQ(outcome.status, 2);
 }
 
 }  // namespace

@@ -2,11 +2,13 @@
 
 #include <android-base/properties.h>
 
-#include <cstdarg>
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <new>
+#include <initializer_list>
+#include <iterator>
+#include <utility>
 
 #include "bridge/parser_core.h"
 
@@ -16,270 +18,199 @@ Device device;
 
 namespace {
 
-bool recording = false;
-bool recording_heap = false;
+Log events;
+std::vector<const void*> allocated;  // by the library since the recording began, in order
+std::vector<const void*> lent;       // the private copies of the last call that are still there
+bool watching_heap = false;
 
-std::map<void*, std::string>& Blocks() {
-  // Never destroyed, so that what it holds is not taken for leaked.
-  static auto& blocks = *new std::map<void*, std::string>;
-  return blocks;
-}
-
-// Keeps the recorder's own heap traffic out of the log.
-class HeapPause {
- public:
-  HeapPause() : was_(std::exchange(recording_heap, false)) {}
-  ~HeapPause() { recording_heap = was_; }
-  HeapPause(const HeapPause&) = delete;
-  HeapPause& operator=(const HeapPause&) = delete;
-
- private:
-  bool was_;
+// Keeps the recorder's own heap traffic out of the recording.
+struct Aside {
+  const bool was_watching = std::exchange(watching_heap, false);
+  ~Aside() { watching_heap = was_watching; }
 };
 
-void Happened(const std::string& event) {
-  device.log.push_back(event);
-  if (device.meanwhile) device.meanwhile(event);
+// What is in the memory stream that takes the place of standard output, as of its last flush.
+char* output = nullptr;
+std::size_t output_size = 0;
+std::size_t output_seen = 0;
+
+void NoteOutput() {
+  const bool was_flushed = output_size > output_seen;
+  std::fflush(stdout);
+  if (output_size > output_seen) {
+    events.push_back("print " + std::string(output + output_seen, output_size - output_seen));
+  }
+  if (was_flushed) events.emplace_back("flush");
+  output_seen = output_size;
 }
 
-template <class... Given>
-void Asked(const char* function, const Given&... given) {
-  HeapPause pause;
-  std::string arguments;
-  ((arguments += ", " + std::string(given)), ...);
-  Happened(std::string(function) + '(' + (arguments.empty() ? "" : arguments.substr(2)) + ')');
+void NoteCopiesLeft() {
+  if (!std::exchange(lent, {}).empty()) events.emplace_back("copies outlive their call");
+}
+
+void Happened(const std::string& event) {
+  NoteOutput();
+  NoteCopiesLeft();
+  events.push_back(event);
+}
+
+template <class... Number>
+void Asked(const char* function, std::initializer_list<const std::string*> strings,
+           Number... number) {
+  Aside aside;
+  std::vector<std::string> arguments;
+  std::vector<const void*> copies;
+  for (const std::string* string : strings) {
+    arguments.push_back(*string);
+    if (string->size() > std::string().capacity()) copies.push_back(string->data());
+  }
+  (arguments.push_back(std::to_string(number)), ...);
+  Happened(Call(function, arguments));
+  const auto latest = allocated.end() - std::min(std::ssize(copies), std::ssize(allocated));
+  if (copies != std::vector(latest, allocated.end())) events.emplace_back("no copies of its own");
+  lent = copies;
 }
 
 template <class Value>
-Value Next(std::deque<Value>& answers, const Value& otherwise) {
-  HeapPause pause;
-  if (answers.empty()) return otherwise;
-  Value answer = answers.front();
-  answers.pop_front();
-  return answer;
+Value Next(const Value& otherwise) {
+  if (device.readings.empty()) return otherwise;
+  const auto reading = device.readings.front();
+  device.readings.pop_front();
+  return std::get<Value>(reading);
+}
+
+// By name and size; never destroyed, so that no block is taken for leaked.
+auto& Blocks() {
+  static auto& blocks = *new std::map<void*, std::pair<std::string, std::size_t>>;
+  return blocks;
 }
 
 template <class Element>
-Element* NextList() {
-  HeapPause pause;
-  return device.list ? static_cast<Element*>(device.list()) : nullptr;
+Element* MakeBlock(const std::string& name, const Element* elements, std::size_t count) {
+  void* const block = std::malloc(count * sizeof *elements);
+  Blocks()[block] = {name, count * sizeof *elements};
+  return static_cast<Element*>(std::memcpy(block, elements, count * sizeof *elements));
 }
 
-cadrova_core_bool Exists(const char* function, const std::string& map, const std::string& key) {
-  Asked(function, map, key);
-  HeapPause pause;
-  const auto found = device.exists.find(map);
-  return found == device.exists.end() ? 0 : found->second;
+char* Block(const std::string& text) { return MakeBlock(text, text.c_str(), text.size() + 1); }
+std::int32_t* Block(const IntBlock& list) { return MakeBlock("array", list.data(), list.size()); }
+char** Block(const PointerBlock& list) {
+  std::vector<char*> slots;
+  for (const char* text : list) slots.push_back(text == nullptr ? nullptr : Block(text));
+  return MakeBlock("array", slots.data(), slots.size());
 }
 
-Log RecordWith(bool heap, const std::function<void()>& act) {
-  device.log.clear();
-  device.allocations.clear();
-  recording = true;
-  recording_heap = heap;
-  act();
-  recording = recording_heap = false;
-  return device.log;
+template <class Content>
+auto NextBlock(const Content& otherwise) {
+  Aside aside;
+  const bool is_null = !device.readings.empty() && device.readings.front().index() == 0;
+  return is_null ? nullptr : Block(Next(otherwise));
 }
 
 }  // namespace
 
-Log Record(const std::function<void()>& act) { return RecordWith(false, act); }
-Log RecordHeap(const std::function<void()>& act) { return RecordWith(true, act); }
-
-void* Block(const std::string& name, std::size_t size) {
-  HeapPause pause;
-  void* const block = std::malloc(size);
-  Blocks()[block] = name + '\0' + std::string(size, '\xDD');
-  return block;
+std::string Call(const std::string& function, const std::vector<std::string>& arguments) {
+  std::string call = function;
+  for (const std::string& argument : arguments) call += (call == function ? "(" : ", ") + argument;
+  return call + ')';
 }
 
-char* StringBlock(const std::string& name, const std::string& bytes) {
-  auto* const block = static_cast<char*>(Block(name, bytes.size() + 1));
-  std::memcpy(block, bytes.c_str(), bytes.size() + 1);
-  return block;
+Log Record(const std::function<void()>& act) {
+  events.clear();
+  allocated.clear();
+  lent.clear();
+  output_size = output_seen = 0;
+  FILE* const standard_output = std::exchange(stdout, open_memstream(&output, &output_size));
+  watching_heap = true;
+  act();
+  watching_heap = false;
+  NoteOutput();
+  std::fclose(std::exchange(stdout, standard_output));
+  std::free(output);
+  events.push_back(std::to_string(allocated.size()));
+  return events;
 }
 
 }  // namespace recording
 
-using recording::Asked;
-using recording::device;
-using recording::Exists;
+using namespace recording;
 
 std::string android::base::GetProperty(const std::string& key, const std::string& default_value) {
-  Asked("GetProperty", key, '"' + default_value + '"');
-  recording::HeapPause pause;
-  const auto found = device.properties.find(key);
-  return found == device.properties.end() ? default_value : found->second;
+  Aside aside;
+  Happened(Call("GetProperty", {key, default_value}));
+  return device.properties.contains(key) ? device.properties[key] : default_value;
 }
 
 extern "C" {
 
-cadrova_core_bool get_bool_from_map(const std::string& map, const std::string& key,
-                                    cadrova_core_bool given) {
-  Asked("get_bool_from_map", map, key, std::to_string(given));
-  return recording::Next(device.bools, given);
-}
-
-std::int32_t get_int_from_map(const std::string& map, const std::string& key, std::int32_t given) {
-  Asked("get_int_from_map", map, key, std::to_string(given));
-  return recording::Next(device.ints, given);
-}
-
-float get_float_from_map(const std::string& map, const std::string& key, float given) {
-  Asked("get_float_from_map", map, key, std::to_string(given));
-  return recording::Next(device.floats, given);
-}
+#define NUMBER_GETTER(name, Number)                                           \
+  Number name(const std::string& map, const std::string& key, Number given) { \
+    Asked(#name, {&map, &key}, given);                                        \
+    return Next(given);                                                       \
+  }
+NUMBER_GETTER(get_bool_from_map, cadrova_core_bool)
+NUMBER_GETTER(get_int_from_map, std::int32_t)
+NUMBER_GETTER(get_float_from_map, float)
 
 char* get_str_from_map(const std::string& map, const std::string& key, const std::string& given) {
-  Asked("get_str_from_map", map, key, given);
-  recording::HeapPause pause;
-  return recording::StringBlock("string", recording::Next(device.strings, given));
+  Asked("get_str_from_map", {&map, &key, &given});
+  return NextBlock(given);
 }
 
-char** get_str_arr_from_map(const std::string& map, const std::string& key) {
-  Asked("get_str_arr_from_map", map, key);
-  return recording::NextList<char*>();
-}
-
-std::int32_t* get_int_arr_from_map(const std::string& map, const std::string& key) {
-  Asked("get_int_arr_from_map", map, key);
-  return recording::NextList<std::int32_t>();
-}
-
-char** get_map_arr_from_map(const std::string& map, const std::string& key) {
-  Asked("get_map_arr_from_map", map, key);
-  return recording::NextList<char*>();
-}
+#define LIST_GETTER(name, Element, List)                          \
+  Element* name(const std::string& map, const std::string& key) { \
+    Asked(#name, {&map, &key});                                   \
+    return NextBlock(List());                                     \
+  }
+LIST_GETTER(get_str_arr_from_map, char*, PointerBlock)
+LIST_GETTER(get_int_arr_from_map, std::int32_t, IntBlock)
+LIST_GETTER(get_map_arr_from_map, char*, PointerBlock)
 
 #define EXISTENCE_TEST(name)                                               \
   cadrova_core_bool name(const std::string& map, const std::string& key) { \
-    return Exists(#name, map, key);                                        \
+    Asked(#name, {&map, &key});                                            \
+    return device.exists[map];                                             \
   }
-EXISTENCE_TEST(get_bool_item_exist)
-EXISTENCE_TEST(get_int_item_exist)
-EXISTENCE_TEST(get_float_item_exist)
-EXISTENCE_TEST(get_str_item_exist)
-EXISTENCE_TEST(get_str_arr_item_exist)
-EXISTENCE_TEST(get_int_arr_item_exist)
-EXISTENCE_TEST(get_map_arr_item_exist)
-EXISTENCE_TEST(sim_get_bool_item_exist)
-EXISTENCE_TEST(sim_get_int_item_exist)
-EXISTENCE_TEST(sim_get_str_item_exist)
-EXISTENCE_TEST(sim_get_str_arr_item_exist)
-EXISTENCE_TEST(sim_get_int_arr_item_exist)
-EXISTENCE_TEST(sim_get_map_arr_item_exist)
-#undef EXISTENCE_TEST
+#define EXISTENCE_TESTS(kind)             \
+  EXISTENCE_TEST(get_##kind##_item_exist) \
+  EXISTENCE_TEST(sim_get_##kind##_item_exist)
+// clang-format off
+EXISTENCE_TESTS(bool) EXISTENCE_TESTS(int) EXISTENCE_TEST(get_float_item_exist)
+EXISTENCE_TESTS(str) EXISTENCE_TESTS(str_arr) EXISTENCE_TESTS(int_arr) EXISTENCE_TESTS(map_arr)
+    // clang-format on
 
-void cxx_sim_set_the_cadrova(const std::string& name, const std::string& first,
-                             const std::string& second) {
-  Asked("cxx_sim_set_the_cadrova", name, first, second);
+    void cxx_sim_set_the_cadrova(const std::string& name, const std::string& first,
+                                 const std::string& second) {
+  Asked("cxx_sim_set_the_cadrova", {&name, &first, &second});
 }
 
-// The linker sends the library's calls of these here.
-
+// The linker sends every `free` here.
 void __real_free(void* block);
-
 void __wrap_free(void* block) {
-  recording::HeapPause pause;
-  const auto found = recording::Blocks().find(block);
-  if (found == recording::Blocks().end()) return __real_free(block);
-  const std::string& entry = found->second;
-  const std::size_t name_end = entry.find('\0');
-  recording::Happened("free " + entry.substr(0, name_end));
-  std::memcpy(block, entry.data() + name_end + 1, entry.size() - name_end - 1);
-}
-
-namespace {
-int Print(const char* function, const std::string& line) {
-  if (recording::recording) {
-    Asked(function, line);
-  } else {
-    std::fwrite(line.data(), 1, line.size(), stdout);
-  }
-  return static_cast<int>(line.size());
-}
-
-__attribute__((format(printf, 1, 0))) int FormatAndPrint(const char* format, va_list arguments) {
-  recording::HeapPause pause;
-  char line[4096];
-  const int size = std::vsnprintf(line, sizeof line, format, arguments);
-  return Print("printf", std::string(line, static_cast<std::size_t>(size)));
-}
-}  // namespace
-
-__attribute__((format(printf, 1, 2))) int __wrap_printf(const char* format, ...) {
-  va_list arguments;
-  va_start(arguments, format);
-  const int size = FormatAndPrint(format, arguments);
-  va_end(arguments);
-  return size;
-}
-
-// What `printf` is called where it is fortified.
-__attribute__((format(printf, 2, 3))) int __wrap___printf_chk(int, const char* format, ...) {
-  va_list arguments;
-  va_start(arguments, format);
-  const int size = FormatAndPrint(format, arguments);
-  va_end(arguments);
-  return size;
-}
-
-int __wrap_puts(const char* text) {
-  recording::HeapPause pause;
-  const std::string line(text);
-  return recording::recording ? Print("puts", line) : Print("puts", line + '\n');
-}
-
-int __real_fflush(FILE* stream);
-int __wrap_fflush(FILE* stream) {
-  if (recording::recording) Asked("fflush");
-  return __real_fflush(stream);
+  Aside aside;
+  const auto found = Blocks().find(block);
+  if (found == Blocks().end()) return __real_free(block);
+  const auto& [name, size] = found->second;
+  Happened("free " + name);
+  std::memset(block, 0xDD, size);
 }
 
 }  // extern "C"
 
-namespace {
-
-void Allocated(std::size_t size) {
-  if (!recording::recording_heap) return;
-  recording::HeapPause pause;
-  device.allocations.push_back(size);
-  recording::Happened("new");
-}
-
-void Released(const volatile void* block) {
-  if (block == nullptr || !recording::recording_heap) return;
-  recording::HeapPause pause;
-  recording::Happened("delete");
-}
-
-}  // namespace
-
-#ifndef __has_feature  // as under GCC
-#define __has_feature(feature) 0
-#endif
-#if defined(__SANITIZE_THREAD__) || __has_feature(thread_sanitizer)
-
-// The thread sanitizer has the operators for itself, and tells us of every allocation. While the
-// heap is recorded, none but the library's are left.
-extern "C" void __sanitizer_malloc_hook(const volatile void*, std::size_t size) { Allocated(size); }
-extern "C" void __sanitizer_free_hook(const volatile void* block) { Released(block); }
-
-#else
-
 void* operator new(std::size_t size) {
-  Allocated(size);
   void* const block = std::malloc(size == 0 ? 1 : size);
   if (block == nullptr) std::abort();
+  if (watching_heap) {
+    Aside aside;
+    NoteCopiesLeft();
+    allocated.push_back(block);
+  }
   return block;
 }
 
 void operator delete(void* block) noexcept {
-  Released(block);
+  if (watching_heap) std::erase(lent, block);
   __real_free(block);
 }
 
 void operator delete(void* block, std::size_t) noexcept { operator delete(block); }
-
-#endif

@@ -143,7 +143,6 @@ Value ParseDefault(const std::string& text, const Value& zero) {
 // Standard output belongs to the value, so what the library prints goes to standard error.
 template <class Question>
 auto WithDiagnosticsOnStandardError(Question question) {
-  std::fflush(stdout);
   const int standard_output = dup(STDOUT_FILENO);
   dup2(STDERR_FILENO, STDOUT_FILENO);
   auto answer = question();

@@ -177,7 +177,7 @@ void Customization::Set(const std::string& map, const std::string& key, Item ite
 Item ItemFromText(const std::string& text) {
   const std::string line = "value = " + text;
   const toml::parse_result document = toml::parse(line);
-  if (!document || document.table().size() != 1) return text;
+  if (!document) return text;
   const toml::node& node = *document.table().get("value");
   // A comment, a blank or another line behind the value belongs to the text, so it is a string.
   const auto columns = std::ranges::count_if(line, [](char byte) { return (byte & 0xC0) != 0x80; });

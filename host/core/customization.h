@@ -36,8 +36,8 @@ const Value* As(const Item& item) {
 }
 
 struct Mistake {
-  std::uint32_t line = 0;
-  std::uint32_t column = 0;
+  std::uint32_t line;
+  std::uint32_t column;
   std::string what;
 };
 

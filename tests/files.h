@@ -1,0 +1,41 @@
+// The files of a test program: a folder of this process alone, gone when the program ends, and
+// customization with an item of each kind. Their sizes leave blocks of them no byte to spare.
+#pragma once
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+#include <string>
+
+inline const struct TemporaryFolder {
+  TemporaryFolder() {
+    if (mkdtemp(path.data()) == nullptr) throw std::runtime_error("can't make " + path);
+  }
+  ~TemporaryFolder() { std::filesystem::remove_all(path); }
+
+  std::string path = std::filesystem::temp_directory_path() / "cadrova.XXXXXX";
+} kTemporaryFolder;
+
+// The path of a file in it with these contents.
+inline std::string TemporaryFile(const std::string& name, const std::string& contents) {
+  const std::string path = kTemporaryFolder.path + '/' + name;
+  std::ofstream(path, std::ios::binary) << contents;
+  return path;
+}
+
+inline std::string Contents(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+inline const std::string kItems = R"(
+bool = true
+int = -2147483648
+float = 0.35
+string = "a text of 24 characters."
+string-array = ["a", "", "c"]
+int-array = [2147483647, 0, 1, 2, 3, 4]
+map-array = [["k", "of 11 bytes"], ["k", ""]]
+none = []
+)";
