@@ -20,8 +20,6 @@ test: build
 	@ctest --preset $(PRESET)
 
 bench:
-	@$(MAKE) build PRESET=arm64 >&2
-	@$(MAKE) build PRESET=bench >&2
 	@scripts/bench
 
 check:
