@@ -67,9 +67,9 @@ TEST(Command, PrintsTheValueAlone) {
       {"bool|bool", "true\n"}, {"int|int", "-2147483648\n"}, {"float|float", "0.35\n"},
       {"string|string", "a text of 24 characters.\n"}, {"string-array|string-array", "a\n\nc\n"},
       {"int-array|int-array", "2147483647\n0\n1\n2\n3\n4\n"},
-      {"map-array|map-array", "k=of 11 bytes\nk=\n"}, {"float|float|--json", "0.35\n"},
+      {"map-array|map-array", "k=123456789\nk=\n=\n"}, {"float|float|--json", "0.35\n"},
       {"string-array|string-array|--json", "[\"a\",\"\",\"c\"]\n"},
-      {"map-array|map-array|--json", "[[\"k\",\"of 11 bytes\"],[\"k\",\"\"]]\n"},
+      {"map-array|map-array|--json", "[[\"k\",\"123456789\"],[\"k\",\"\"],[\"\",\"\"]]\n"},
       // Feature keys of dotted keys, and of tables inside a map.
       {"int|a.b.c", "1\n"}, {"int|a.b.d", "2\n"},
       // Missing items: the default, or what stands in for one.
@@ -142,7 +142,7 @@ TEST(Command, RefusesWithOneLineThatSaysWhy) {
   } cases[] = {
       // clang-format off
       {"nope", "A subcommand is required"},
-      {"get|default|int", "KEY is required"},
+      {"get|default|int", "KEY is required; see cadrova get --help\n"},
       {"get|defalt|int|k",
        "'defalt' is no family; use one of: default, region, carrier, carrier-region, sim\n"},
       {"get|sim|integer|k",

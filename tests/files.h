@@ -36,6 +36,6 @@ float = 0.35
 string = "a text of 24 characters."
 string-array = ["a", "", "c"]
 int-array = [2147483647, 0, 1, 2, 3, 4]
-map-array = [["k", "of 11 bytes"], ["k", ""]]
+map-array = [["k", "123456789"], ["k", ""], ["", ""]]
 none = []
 )";
