@@ -13,9 +13,9 @@ set(CMAKE_CXX_COMPILER_TARGET aarch64-linux-gnu)
 set(libcxx ${CMAKE_SYSROOT}/usr/lib/llvm-19)
 # Which standard library is said twice: by name to link, by place to compile.
 set(CMAKE_CXX_FLAGS_INIT
-  "-stdlib=libc++ -stdlib++-isystem ${libcxx}/include/c++/v1 -Wno-unused-command-line-argument")
+  "-stdlib=libc++ -stdlib++-isystem \"${libcxx}/include/c++/v1\" -Wno-unused-command-line-argument")
 foreach(kind EXE SHARED)
-  set(CMAKE_${kind}_LINKER_FLAGS_INIT "-fuse-ld=lld-19 -L${libcxx}/lib")
+  set(CMAKE_${kind}_LINKER_FLAGS_INIT "-fuse-ld=lld-19 \"-L${libcxx}/lib\"")
 endforeach()
 
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
