@@ -246,6 +246,7 @@ int main(int argc, char** argv) {
   get.add_option("--sim", sim_items, "Handed over for the SIM first; may be repeated")
       ->type_name("KEY=VALUE")
       ->expected(1)
+      ->allow_extra_args(false)  // What follows is not for the SIM.
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
   get.add_flag("--json", json, "Print the value as one JSON value");
   get.footer("As: cadrova get carrier-region int calling.ring_seconds --region EU --carrier X1\n");
