@@ -12,8 +12,6 @@
 #include "bridge/parser_core.h"
 #include "cadrova/cadrova.h"
 
-#pragma GCC diagnostic ignored "-Wformat-nonliteral"
-
 namespace android {
 
 using base::GetProperty;
