@@ -1,5 +1,5 @@
 // The files of a test program: a folder of this process alone, gone when the program ends, and
-// customization with an item of each kind. Their sizes leave blocks of them no byte to spare.
+// customization with an item of each kind. Their sizes leave array blocks no byte to spare.
 #pragma once
 
 #include <cstdlib>

@@ -42,7 +42,7 @@ TEST(StandInCore, AnItemExistsAsNoOtherKindInNoOtherMap) {
   EXPECT_FALSE(get_int_item_exist("default", "int")) << "map names are bytes";
   EXPECT_FALSE(get_int_item_exist("DEFAULT", "float"));
   EXPECT_FALSE(get_float_item_exist("DEFAULT", "int"));
-  EXPECT_FALSE(sim_get_int_item_exist("SIM_X1", "float"));
+  EXPECT_FALSE(sim_get_int_item_exist("SIM_X1", "bool"));
   EXPECT_FALSE(sim_get_int_item_exist("DEFAULT", "int")) << "no SIM map";
   EXPECT_FALSE(get_str_item_exist("DEFAULT", "none"));
   EXPECT_TRUE(get_str_arr_item_exist("DEFAULT", "none"));
@@ -81,12 +81,13 @@ TEST(StandInCore, NamesThePlaceOfEachMistake) {
        "2:5: an array must hold strings, integers or pairs of strings, and only one kind"},
       {"[A]\nx = [1.5]\n", "2:5: an array must hold"},
       {"[A]\nx = [[\"a\"]]\n", "2:6: an array of arrays must hold pairs of strings"},
+      {"[A]\nx = [[\"a\", \"b\", \"c\"]]\n", "2:6: an array of arrays must hold pairs of strings"},
       {"[A]\nx = [[\"a\", 1]]\n", "2:6: an array of arrays must hold pairs of strings"},
       {"[A]\nx = [[\"a\", \"\\u0000\"]]\n", "2:12: a string can't hold a NUL byte"},
       {"[A]\nx = \"a\\u0000b\"\n", "2:5: a string can't hold a NUL byte, which would end it"},
       {"[A]\nx = 2147483648\n", "2:5: 2147483648 does not fit in 32 bits"},
       {"[A]\nx = [0, -2147483649]\n", "2:9: -2147483649 does not fit in 32 bits"},
-      {"[A]\nx = 1e39\n", "2:5: beyond the range of a float"},
+      {"[A]\nx = -1e39\n", "2:5: beyond the range of a float"},
       {"[A]\n\"b.c\" = 1\nb.c = 2\n", "2:1: feature key b.c stands twice in its map"},
   };
   for (const auto& [toml, expected] : cases) {

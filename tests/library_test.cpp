@@ -75,6 +75,7 @@ TEST(Bridge, ConvertsAndFreesBlocksOfEveryShape) {
 }
 
 const string kText = "beyond the short-string buffer of any library";
+const string kOther = "another " + kText;
 const string kBytes = kText + '\0' + "and beyond a NUL";
 
 // What varies by kind: names, and how a line ends; what the core reads, what is freed after each
@@ -84,21 +85,22 @@ enum Kind { kBoolean, kInt, kFloat, kString, kStringArray, kIntArray, kMapArray 
 const struct {
   string name, name_in_core, line_end;
   decltype(Device::readings) readings;
-  Log frees;
+  std::vector<Log> frees;
   std::vector<Value> values;
   std::size_t allocations;
 } kKinds[] = {
     // clang-format off
-    {"Boolean", "bool", " : 1 \n", {Byte{3}, Byte{254}}, {}, {true, false}, 0},
-    {"Int", "int", " : 2147483647 \n", {INT_MAX, INT_MIN}, {}, {INT_MAX, INT_MIN}, 0},
-    {"Float", "float", " : 1.500000 \n", {1.5F, 1e-45F}, {}, {1.5F, 1e-45F}, 0},
-    {"String", "str", " : " + kText + " \n", {kText, kText}, {"free " + kText}, {kText, kText}, 1},
-    {"StringArray", "str_arr", " ! \n", {PointerBlock{"b", "", kText.c_str(), nullptr}},
-     {"free b", "free ", "free " + kText, "free array"}, {StringArray{"b", "", kText}}, 3 + 1},
-    {"IntArray", "int_arr", " ! \n", {IntBlock{3, 7, -2, 0}}, {"free array"},
+    {"Boolean", "bool", " : 0 \n", {Byte{254}, Byte{3}}, {{}, {}}, {false, true}, 0},
+    {"Int", "int", " : -2147483648 \n", {INT_MIN, INT_MAX}, {{}, {}}, {INT_MIN, INT_MAX}, 0},
+    {"Float", "float", " : 1.500000 \n", {1.5F, 1e-45F}, {{}, {}}, {1.5F, 1e-45F}, 0},
+    {"String", "str", " : " + kText + " \n", {kText, kOther},
+     {{"free " + kText}, {"free " + kOther}}, {kText, kOther}, 1},
+    {"StringArray", "str_arr", " ! \n", {PointerBlock{"", "b", kText.c_str(), nullptr}},
+     {{"free ", "free b", "free " + kText, "free array"}}, {StringArray{"", "b", kText}}, 3 + 1},
+    {"IntArray", "int_arr", " ! \n", {IntBlock{3, 7, -2, 0}}, {{"free array"}},
      {IntArray{7, -2, 0}}, 3},
     {"MapArray", "map_arr", " ! \n", {PointerBlock{"k", "1", "k", "", "", kText.c_str(), nullptr}},
-     {"free array"}, {MapArray{{"k", "1"}, {"k", ""}, {"", kText}}}, 3 + 1},
+     {{"free array"}}, {MapArray{{"k", "1"}, {"k", ""}, {"", kText}}}, 3 + 1},
     // clang-format on
 };
 
@@ -137,7 +139,7 @@ std::vector<Chain> ChainsOf(const string& region, const string& carrier) {
 // What a lookup owes the device, call by call, and the allocations of its strings.
 struct Owed {
   Log log;
-  std::size_t allocations = 0;
+  std::size_t allocations = 0, readings = 0;
 
   void Strings(const std::vector<string>& strings) {
     for (const string& text : strings) allocations += text.size() > string().capacity();
@@ -152,7 +154,8 @@ struct Owed {
     if (kind > kString) arguments.pop_back();
     Strings(arguments);  // the bridge's own
     Call("get_" + kKinds[kind].name_in_core + "_from_map", arguments);
-    log.insert(log.end(), kKinds[kind].frees.begin(), kKinds[kind].frees.end());
+    const Log& frees = kKinds[kind].frees.at(readings++);
+    log.insert(log.end(), frees.begin(), frees.end());
     allocations += kKinds[kind].allocations;
   }
 
@@ -162,7 +165,8 @@ struct Owed {
     const auto& [word, properties, maps, words] = chains[family];
     Strings({key, given});  // by value
     for (const string& property : properties) Call("GetProperty", {property, ""});
-    // A region map's name is not composed, but in the carrier-and-region name "_" is put before it.
+    // A region map's name is not composed; that of a carrier and region is joined from the carrier
+    // map's and "_<region>", a string of its own.
     if (family != kRegion) Strings(maps);
 #ifdef __GLIBCXX__  // It copies a long front before it joins something to it.
     if (family == kCarrierAndRegion) Strings({maps[1]});

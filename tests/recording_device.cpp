@@ -157,6 +157,11 @@ char* get_str_from_map(const std::string& map, const std::string& key, const std
   return NextBlock(given);
 }
 
+void cxx_sim_set_the_cadrova(const std::string& name, const std::string& first,
+                             const std::string& second) {
+  Asked("cxx_sim_set_the_cadrova", {&name, &first, &second});
+}
+
 #define LIST_GETTER(name, Element, List)                          \
   Element* name(const std::string& map, const std::string& key) { \
     Asked(#name, {&map, &key});                                   \
@@ -165,24 +170,6 @@ char* get_str_from_map(const std::string& map, const std::string& key, const std
 LIST_GETTER(get_str_arr_from_map, char*, PointerBlock)
 LIST_GETTER(get_int_arr_from_map, std::int32_t, IntBlock)
 LIST_GETTER(get_map_arr_from_map, char*, PointerBlock)
-
-#define EXISTENCE_TEST(name)                                               \
-  cadrova_core_bool name(const std::string& map, const std::string& key) { \
-    Asked(#name, {&map, &key});                                            \
-    return device.exists[map];                                             \
-  }
-#define EXISTENCE_TESTS(kind)             \
-  EXISTENCE_TEST(get_##kind##_item_exist) \
-  EXISTENCE_TEST(sim_get_##kind##_item_exist)
-// clang-format off
-EXISTENCE_TESTS(bool) EXISTENCE_TESTS(int) EXISTENCE_TEST(get_float_item_exist)
-EXISTENCE_TESTS(str) EXISTENCE_TESTS(str_arr) EXISTENCE_TESTS(int_arr) EXISTENCE_TESTS(map_arr)
-    // clang-format on
-
-    void cxx_sim_set_the_cadrova(const std::string& name, const std::string& first,
-                                 const std::string& second) {
-  Asked("cxx_sim_set_the_cadrova", {&name, &first, &second});
-}
 
 // The linker sends every `free` here.
 void __real_free(void* block);
@@ -195,11 +182,23 @@ void __wrap_free(void* block) {
   std::memset(block, 0xDD, size);
 }
 
+#define EXISTENCE_TEST(name)                                               \
+  cadrova_core_bool name(const std::string& map, const std::string& key) { \
+    Asked(#name, {&map, &key});                                            \
+    return device.exists[map];                                             \
+  }
+#define EXISTENCE_TESTS(kind)             \
+  EXISTENCE_TEST(get_##kind##_item_exist) \
+  EXISTENCE_TEST(sim_get_##kind##_item_exist)
+// clang-format off
+EXISTENCE_TESTS(bool) EXISTENCE_TESTS(int) EXISTENCE_TEST(get_float_item_exist)
+EXISTENCE_TESTS(str) EXISTENCE_TESTS(str_arr) EXISTENCE_TESTS(int_arr) EXISTENCE_TESTS(map_arr)
+// clang-format on
+
 }  // extern "C"
 
 void* operator new(std::size_t size) {
-  void* const block = std::malloc(size == 0 ? 1 : size);
-  if (block == nullptr) std::abort();
+  void* const block = std::malloc(size);
   if (watching_heap) {
     Aside aside;
     NoteCopiesLeft();
