@@ -6,15 +6,15 @@
 namespace android::cadrova {
 
 // Asks the core once, with private copies of the strings that are gone before its answer is looked
-// at. The core never sees the caller's own objects.
-template <class Question, class... Default>
+// at. The core never sees the caller's own objects. `rest` is the default, or what is handed over.
+template <class Question, class... Rest>
 inline auto Ask(Question* question, const std::string& map, const std::string& key,
-                const Default&... default_value) {
+                const Rest&... rest) {
   // NOLINTBEGIN(performance-unnecessary-copy-initialization): copies are what the core is owed.
   const std::string private_map = map;
   const std::string private_key = key;
   // NOLINTEND(performance-unnecessary-copy-initialization)
-  return question(private_map, private_key, Default(default_value)...);
+  return question(private_map, private_key, Rest(rest)...);
 }
 
 }  // namespace android::cadrova

@@ -8,10 +8,10 @@ namespace {
 
 using namespace cadrova;
 
-// A "do not exist" line says that the carrier's SIM map lacks the item. It is printed where
-// "SIM_DEFAULT" does hold it, and is meant to be.
 std::string SimMap() { return Joined("SIM_", CarrierCode()); }
 
+// A "do not exist" line says that the carrier's SIM map lacks the item. It is printed where
+// "SIM_DEFAULT" does hold it, and is meant to be.
 template <class Value>
 struct Lines {
   Line<Value> in_sim, in_sim_default;
