@@ -10,26 +10,13 @@
 
 #include "bridge/parser_core.h"
 
-namespace bench {
-
-Device device;
-
-namespace {
-
-char* StringBlock(const std::string& text) {
-  return static_cast<char*>(
-      std::memcpy(std::malloc(text.size() + 1), text.c_str(), text.size() + 1));
-}
-
-}  // namespace
-}  // namespace bench
-
+bench::Device bench::device;
 using bench::device;
 
 #pragma GCC visibility push(default)
 
 std::string android::base::GetProperty(const std::string& key, const std::string&) {
-  return key.size() == 15 ? device.region : device.carrier;
+  return key == "ro.orvel.region" ? device.region : device.carrier;
 }
 
 extern "C" {
@@ -43,28 +30,19 @@ std::int32_t get_int_from_map(const std::string&, const std::string&, std::int32
 }
 float get_float_from_map(const std::string&, const std::string&, float given) { return given; }
 char* get_str_from_map(const std::string&, const std::string&, const std::string& given) {
-  return bench::StringBlock(given);
+  return strdup(given.c_str());
 }
 
 char** get_str_arr_from_map(const std::string&, const std::string&) {
   char** const block = static_cast<char**>(std::malloc(4 * sizeof(char*)));
-  for (int i = 0; i < 3; ++i) block[i] = bench::StringBlock(device.element);
+  for (int i = 0; i < 3; ++i) block[i] = strdup(device.element.c_str());
   block[3] = nullptr;
   return block;
 }
 
-std::int32_t* get_int_arr_from_map(const std::string&, const std::string&) {
-  auto* const block = static_cast<std::int32_t*>(std::malloc(4 * sizeof(std::int32_t)));
-  for (int i = 0; i < 4; ++i) block[i] = 3;
-  return block;
-}
-
-char** get_map_arr_from_map(const std::string&, const std::string&) {
-  char** const block = static_cast<char**>(std::malloc(5 * sizeof(char*)));
-  for (int i = 0; i < 4; ++i) block[i] = device.element.data();
-  block[4] = nullptr;
-  return block;
-}
+// No case asks for these.
+std::int32_t* get_int_arr_from_map(const std::string&, const std::string&) { return nullptr; }
+char** get_map_arr_from_map(const std::string&, const std::string&) { return nullptr; }
 
 #define EXISTENCE_TEST(name) \
   cadrova_core_bool name(const std::string&, const std::string&) { return device.first_has_it; }
