@@ -1,25 +1,61 @@
-# lib, include and bin under one prefix, and a package for find_package(cadrova).
+# Below one prefix: the library, its stand-ins and their headers, the command and its sample; a
+# package for find_package(cadrova), and two for pkg-config. All work wherever that prefix is moved.
 include(CMakePackageConfigHelpers)
 
 # Libraries that were given by path are somebody else's, and stay where they are.
-set(stand_ins base cadrova_ffi)
-if(CADROVA_BASE_LIBRARY)
-  list(REMOVE_ITEM stand_ins base)
+set(stand_ins)
+if(NOT CADROVA_BASE_LIBRARY)
+  list(APPEND stand_ins cadrova_base)
 endif()
-if(CADROVA_CORE_LIBRARY OR NOT CADROVA_HAS_CORE)
-  list(REMOVE_ITEM stand_ins cadrova_ffi)
-else()
-  install(FILES host/data/sample.toml DESTINATION share/cadrova)
+if(NOT CADROVA_CORE_LIBRARY AND CADROVA_HAS_CORE)
+  list(APPEND stand_ins cadrova_ffi)
 endif()
 
-install(TARGETS cadrova_cpp ${stand_ins} LIBRARY DESTINATION lib)
-install(FILES include/cadrova/cadrova.h DESTINATION include/cadrova)
-if(CADROVA_BUILD_COMMAND)
-  install(TARGETS cadrova RUNTIME DESTINATION bin)
+install(TARGETS cadrova_cpp LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(FILES include/cadrova/cadrova.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/cadrova)
+if(CADROVA_INSTALL_HOST)
+  install(TARGETS ${stand_ins} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+  if(cadrova_ffi IN_LIST stand_ins)
+    install(FILES host/data/sample.toml DESTINATION ${CMAKE_INSTALL_DATADIR}/cadrova)
+  endif()
+  if(TARGET cadrova_host)
+    install(DIRECTORY host/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+  endif()
+endif()
+# Without what it asks, the command does not run.
+if(CADROVA_BUILD_COMMAND AND (CADROVA_INSTALL_HOST OR NOT stand_ins))
+  install(TARGETS cadrova RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 endif()
 
+set(CADROVA_HAS_KIT OFF)
+if(TARGET cadrova_host AND CADROVA_INSTALL_HOST)
+  set(CADROVA_HAS_KIT ON)
+endif()
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/cadrova)
 configure_package_config_file(cmake/cadrovaConfig.cmake.in cadrovaConfig.cmake
-  INSTALL_DESTINATION lib/cmake/cadrova NO_SET_AND_CHECK_MACRO NO_CHECK_REQUIRED_COMPONENTS_MACRO)
+  INSTALL_DESTINATION ${package_dir} PATH_VARS CMAKE_INSTALL_INCLUDEDIR CMAKE_INSTALL_LIBDIR
+  NO_SET_AND_CHECK_MACRO NO_CHECK_REQUIRED_COMPONENTS_MACRO)
 write_basic_package_version_file(cadrovaConfigVersion.cmake COMPATIBILITY SameMajorVersion)
-install(FILES ${CMAKE_BINARY_DIR}/cadrovaConfig.cmake ${CMAKE_BINARY_DIR}/cadrovaConfigVersion.cmake
-  DESTINATION lib/cmake/cadrova)
+install(FILES ${PROJECT_BINARY_DIR}/cadrovaConfig.cmake
+  ${PROJECT_BINARY_DIR}/cadrovaConfigVersion.cmake cmake/standard_library.cmake
+  DESTINATION ${package_dir})
+
+set(pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+set(prefix /)
+cmake_path(RELATIVE_PATH prefix BASE_DIRECTORY /${pkgconfig_dir} OUTPUT_VARIABLE to_prefix)
+foreach(package cadrova cadrova-host)
+  if(package STREQUAL "cadrova" OR CADROVA_HAS_KIT)
+    configure_file(cmake/${package}.pc.in ${package}.pc @ONLY)
+    install(FILES ${PROJECT_BINARY_DIR}/${package}.pc DESTINATION ${pkgconfig_dir})
+  endif()
+endforeach()
+
+if(PROJECT_IS_TOP_LEVEL)
+  add_custom_target(uninstall
+    COMMAND ${CMAKE_COMMAND} -P ${PROJECT_SOURCE_DIR}/cmake/uninstall.cmake VERBATIM)
+  set(CPACK_GENERATOR TGZ)
+  set(CPACK_SYSTEM_NAME ${CMAKE_SYSTEM_NAME}-${CMAKE_SYSTEM_PROCESSOR})
+  set(CPACK_VERBATIM_VARIABLES ON)
+  set(CPACK_STRIP_FILES ON)
+  include(CPack)
+endif()

@@ -11,10 +11,10 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
   using namespace cadrova::host;
   const std::string text(reinterpret_cast<const char*>(bytes), size);
-  auto outcome = Customization::Parse(text);
+  auto outcome = Customization::Parse(text, "f");
   if (const auto* mistake = std::get_if<Mistake>(&outcome)) {
-    if (mistake->line == 0 || mistake->column == 0 || mistake->what.empty()) std::abort();
-    if (mistake->what.find('\n') != std::string::npos) std::abort();
+    if (mistake->line == 0 || mistake->column == 0 || mistake->reason.empty()) std::abort();
+    if (mistake->reason.find('\n') != std::string::npos) std::abort();
   } else {
     auto& customization = std::get<Customization>(outcome);
     customization.Set("M", "k", std::string("v"));

@@ -6,6 +6,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <sstream>
 #include <string>
@@ -134,8 +135,8 @@ TEST(Command, AnswersForTheCodesOfTheStoreOrThoseGivenFromTheFileNamedFirst) {
 TEST(Command, RefusesWithOneLineThatSaysWhy) {
   const std::string mistaken = TemporaryFile("bad.toml", "[DEFAULT]\nx = 2026-11-24\n");
   const std::string not_utf8 = TemporaryFile("latin.toml", "[DEFAULT]\nx = \"\xE9\"\n");
-  const std::string no_pair = TemporaryFile("no_pair", "a=b\nno equals sign\n");
-  const std::string no_key = TemporaryFile("no_key", "=b\n");
+  const std::string huge = TemporaryFile("huge", "");
+  std::filesystem::resize_file(huge, (1U << 30) + 1);
   const std::string int_k = "get|default|int|k", region_k = "get|region|int|k";
   const std::string store = "CADROVA_HOST_PROPS=";
   const struct {
@@ -167,19 +168,32 @@ TEST(Command, RefusesWithOneLineThatSaysWhy) {
       {"get|sim|string|k|x",
        "the sim family takes no default for a string: a missing one is empty\n"},
       {"get|sim|int|k|--sim|x", "--sim 'x' is no KEY=VALUE\n"},
-      {int_k + "|--data|/tmp", "/tmp: can't read"},
+      {int_k + "|--data|/tmp", "/tmp: can't be read: Is a directory\n"},
+      {int_k + "|--data|/proc/self/mem", "/proc/self/mem: can't be read: Input/output error\n"},
+      {int_k + "|--data|" + huge, huge + ": can't be read: it is larger than 1 GiB\n"},
       {int_k + "|--data|" + mistaken, mistaken + ":2:5: a date"},
       {int_k + "|--data|" + not_utf8, not_utf8 + ":2:5: "},
       {int_k, "cadrova: can't write the value to standard output\n", "A=", "/dev/full"},
-      {region_k, no_pair + ":2: not a key=value line: no equals sign\n", store + no_pair},
-      {region_k, no_key + ":1: not a key=value line: =b\n", store + no_key},
+      {region_k, "/tmp: can't be read: Is a directory; name another with CADROVA_HOST_PROPS\n",
+       store + "/tmp"},
       // clang-format on
   };
-  for (const auto& [line, what, setting, out_file] : cases) {
-    const auto [out, err, status] = Cadrova(line, setting, out_file);
+  const auto expect_refusal = [](const Outcome& outcome, const std::string& what) {
+    const auto& [out, err, status] = outcome;
     EXPECT_NE(err.find(what), std::string::npos) << err;
     EXPECT_EQ(err.find('\n'), err.size() - 1) << err;
     EXPECT_EQ(std::pair(out, status), std::pair(std::string(), 2)) << err;
+  };
+  for (const auto& [line, what, setting, out_file] : cases) {
+    expect_refusal(Cadrova(line, setting, out_file), what);
+  }
+  for (const std::string line :
+       {"no equals sign", "=b", "a b=c", "[a]: [b", "[a]=b", "[]: [b]", "a=b\rc=d", "a\x7F=b"}) {
+    const std::string file = TemporaryFile("properties", "a=b\n" + line + "\n");
+    std::string quoted = line;
+    std::ranges::replace_if(quoted, [](char byte) { return byte == '\r' || byte == '\x7F'; }, '?');
+    expect_refusal(Cadrova(region_k, store + file),
+                   file + ":2: not a key=value line: " + quoted + '\n');
   }
 }
 

@@ -11,16 +11,20 @@
 #include <cstdlib>
 #include <map>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
 #include <tuple>
 #include <utility>
 #include <variant>
 #include <vector>
 
+#include "cadrova/host.h"
 #include "property_overrides.h"
 
 // There where the core is the stand-in one, which reads a file.
-extern "C" __attribute__((weak)) void cadrova_host_use_data(const char* path);
+namespace cadrova::host {
+[[gnu::weak]] std::optional<Mistake> AnswerFromFile(const std::string& path);
+}
 
 namespace {
 
@@ -29,10 +33,12 @@ using IntArray = std::vector<int>;
 using MapArray = std::vector<std::pair<std::string, std::string>>;
 using Value = std::variant<bool, int, float, std::string, StringArray, IntArray, MapArray>;
 
-[[noreturn]] void Fail(const std::string& message) {
-  std::fprintf(stderr, "cadrova: %s\n", message.c_str());
+[[noreturn]] void Stop(const std::string& line) {
+  std::fprintf(stderr, "%s\n", line.c_str());
   std::exit(2);
 }
+
+[[noreturn]] void Fail(const std::string& message) { Stop("cadrova: " + message); }
 
 // A kind is known by the value that stands in where no default is given.
 const std::vector<std::pair<std::string, Value>> kKinds = {
@@ -275,8 +281,10 @@ int main(int argc, char** argv) {
   RefuseWhatTheFamilyLacks(family, zero, has_default);
   const Value default_value = has_default ? ParseDefault(default_text, zero) : zero;
   if (*data_option) {
-    if (cadrova_host_use_data == nullptr) Fail("--data: this parser core reads no file of ours");
-    cadrova_host_use_data(data.c_str());
+    if (cadrova::host::AnswerFromFile == nullptr) {
+      Fail("--data: this parser core reads no file of ours");
+    }
+    if (const auto mistake = cadrova::host::AnswerFromFile(data)) Stop(ToString(*mistake));
   }
   if (*region_option) OverrideProperty("ro.orvel.region", region);
   if (*carrier_option) OverrideProperty("persist.sys.cota.carrier", carrier);

@@ -1,67 +1,126 @@
 #include "android-base/properties.h"
 
-#include <cstdio>
+#include <algorithm>
 #include <cstdlib>
-#include <fstream>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <string>
+#include <string_view>
+#include <utility>
+#include <variant>
+
+#include "cadrova/host.h"
+#include "file.h"
 
 namespace android::base {
 namespace {
 
+using cadrova::host::Mistake;
+using cadrova::host::Printable;
+using cadrova::host::ReadFile;
+using cadrova::host::Stop;
 using Properties = std::map<std::string, std::string>;
 
-// What can't be read ends the process: nobody is answered from half a file.
-[[noreturn]] void Stop(const char* file, const std::string& what) {
-  std::fflush(stdout);
-  std::fprintf(stderr, "%s%s\n", file, what.c_str());
-  std::_Exit(2);
+std::string_view WithoutBlanksAround(std::string_view text) {
+  text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
+  return text.substr(0, text.find_last_not_of(" \t") + 1);
+}
+
+// The key and the value of `line`, or nothing where it is neither `key=value`, with or without
+// blanks around either, nor `[key]: [value]`, whose value is taken as it stands.
+std::optional<std::pair<std::string, std::string>> Property(std::string_view line) {
+  std::string_view key, value;
+  if (line.starts_with('[')) {
+    const std::size_t middle = line.find("]: [");
+    if (middle == std::string_view::npos || !line.ends_with(']')) return std::nullopt;
+    key = line.substr(1, middle - 1);
+    value = line.substr(middle + 4, line.size() - middle - 5);
+  } else {
+    const std::size_t equals = line.find('=');
+    if (equals == std::string_view::npos) return std::nullopt;
+    key = WithoutBlanksAround(line.substr(0, equals));
+    value = WithoutBlanksAround(line.substr(equals + 1));
+  }
+  const bool is_name = !key.empty() && key.find_first_of(" \t") == std::string_view::npos;
+  if (!is_name || Printable(line) != line) return std::nullopt;
+  return std::pair(std::string(key), std::string(value));
 }
 
 Properties Load(const char* file) {
   Properties properties;
   if (file == nullptr || *file == '\0') return properties;
-  std::ifstream lines(file);
-  if (!lines) Stop(file, ": can't read the properties that CADROVA_HOST_PROPS names");
-  std::string line;
-  for (int number = 1; std::getline(lines, line); ++number) {
-    if (line.empty() || line.front() == '#') continue;
-    const std::size_t equals = line.find('=');
-    if (equals == 0 || equals == std::string::npos) {
-      Stop(file, ":" + std::to_string(number) + ": not a key=value line: " + line);
-    }
-    properties.insert_or_assign(line.substr(0, equals), line.substr(equals + 1));
+  auto contents = ReadFile(file);
+  if (auto* mistake = std::get_if<Mistake>(&contents)) {
+    mistake->reason += "; name another with CADROVA_HOST_PROPS";
+    Stop(*mistake);
   }
-  if (lines.bad()) Stop(file, ": can't read the properties to their end");
+  std::string_view rest = std::get<std::string>(contents);
+  constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+  if (rest.starts_with(kByteOrderMark)) rest.remove_prefix(kByteOrderMark.size());
+  for (int number = 1; !rest.empty(); ++number) {
+    std::string_view line = rest.substr(0, rest.find('\n'));
+    rest.remove_prefix(std::min(line.size() + 1, rest.size()));
+    if (line.ends_with('\r')) line.remove_suffix(1);
+    line = WithoutBlanksAround(line);
+    if (line.empty() || line.starts_with('#')) continue;
+    auto property = Property(line);
+    if (!property) {
+      const std::string quoted = Printable(line.substr(0, 100));
+      Stop({file, number, 0, "not a key=value line: " + quoted});
+    }
+    properties.insert_or_assign(std::move(property->first), std::move(property->second));
+  }
   return properties;
 }
 
-struct Store {
-  std::mutex mutex;
-  Properties properties = Load(std::getenv("CADROVA_HOST_PROPS"));
-};
+// Filled when it is first asked, and never destroyed: threads may still ask while the process
+// exits.
+class Store {
+ public:
+  static Store& The() {
+    static Store& store = *new Store;
+    return store;
+  }
 
-// Never destroyed: threads may still ask while the process exits.
-Store& TheStore() {
-  static Store& store = *new Store;
-  return store;
-}
+  // What `use` makes of the properties, which are its own while it runs.
+  auto With(auto use) {
+    const std::lock_guard lock(mutex_);
+    if (!properties_) properties_ = Load(std::getenv("CADROVA_HOST_PROPS"));
+    return use(*properties_);
+  }
+
+  void Forget() {
+    const std::lock_guard lock(mutex_);
+    properties_.reset();
+  }
+
+ private:
+  std::mutex mutex_;
+  std::optional<Properties> properties_;
+};
 
 }  // namespace
 
+// Everything but the interface stays inside.
+#pragma GCC visibility push(default)
+
 std::string GetProperty(const std::string& key, const std::string& default_value) {
-  Store& store = TheStore();
-  const std::lock_guard lock(store.mutex);
-  const auto found = store.properties.find(key);
-  return found == store.properties.end() || found->second.empty() ? default_value : found->second;
+  return Store::The().With([&](const Properties& properties) {
+    const auto found = properties.find(key);
+    return found == properties.end() || found->second.empty() ? default_value : found->second;
+  });
 }
 
 bool SetProperty(const std::string& key, const std::string& value) {
-  Store& store = TheStore();
-  const std::lock_guard lock(store.mutex);
-  store.properties.insert_or_assign(key, value);
-  return true;
+  return Store::The().With([&](Properties& properties) {
+    properties.insert_or_assign(key, value);
+    return true;
+  });
 }
 
 }  // namespace android::base
+
+void cadrova::host::ForgetProperties() { android::base::Store::The().Forget(); }
+
+#pragma GCC visibility pop

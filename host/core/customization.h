@@ -6,10 +6,13 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <unordered_map>
 #include <utility>
 #include <variant>
 #include <vector>
+
+#include "cadrova/host.h"
 
 namespace cadrova::host {
 
@@ -35,41 +38,45 @@ const Value* As(const Item& item) {
   return std::get_if<Value>(&item);
 }
 
-struct Mistake {
-  std::uint32_t line;
-  std::uint32_t column;
-  std::string what;
-};
-
 // Items by map name and feature key.
 class Customization {
  public:
-  struct Entry {
-    std::string map;
-    Item item;
-  };
-  // A lookup asks several maps for one key, so all items of a key stand together, sorted by map.
-  using ItemsOfKey = std::pair<const std::string, std::vector<Entry>>;
-
   // Reads a TOML document: a table is a map, and the tables and dotted keys inside it make feature
-  // keys joined with dots.
-  static std::variant<Customization, Mistake> Parse(std::string_view toml);
+  // keys joined with dots. `file` is what a mistake calls the document.
+  static std::variant<Customization, Mistake> Parse(std::string_view toml, const std::string& file);
 
-  // All items under `key`, or NULL. They stay where they are as others are set.
-  const ItemsOfKey* Find(const std::string& key) const;
-
-  // The item in `map` among those of a key, which may be NULL, or NULL.
-  static const Item* In(const std::string& map, const ItemsOfKey* items);
-
-  const Item* Find(const std::string& map, const std::string& key) const {
-    return In(map, Find(key));
+  // The item under `key` in `map`, or NULL. It stays where it is as others are set.
+  const Item* Find(std::string_view map, std::string_view key) const {
+    const auto found = items_.find(Name<std::string_view>{map, key});
+    return found == items_.end() ? nullptr : &found->second;
   }
 
-  void Set(const std::string& map, const std::string& key, Item item);
+  void Set(const std::string& map, const std::string& key, Item item) {
+    items_.insert_or_assign({map, key}, std::move(item));
+  }
 
  private:
+  template <class String>
+  struct Name {
+    String map, key;
+  };
+  // Names are found by views of them.
+  struct Hash {
+    using is_transparent = void;
+    std::size_t operator()(const auto& name) const {
+      const std::hash<std::string_view> hash;
+      return 31 * hash(name.map) + hash(name.key);
+    }
+  };
+  struct Equal {
+    using is_transparent = void;
+    bool operator()(const auto& one, const auto& other) const {
+      return one.key == other.key && one.map == other.map;
+    }
+  };
+
   // A power of two of buckets stays one as the table grows, and spares every lookup a division.
-  std::unordered_map<std::string, std::vector<Entry>> entries_{1024};
+  std::unordered_map<Name<std::string>, Item, Hash, Equal> items_{1024};
 };
 
 // `text` as the item it would be as a TOML value, or else as a string.

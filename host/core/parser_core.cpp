@@ -1,103 +1,17 @@
-// The parser core's interface over a customization file.
+// The parser core's interface over customization data.
 
 #include "bridge/parser_core.h"
 
-#include <dlfcn.h>
-
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <mutex>
-#include <optional>
-#include <shared_mutex>
-#include <string_view>
 
 #include "customization.h"
-#include "host_core.h"
+#include "data.h"
+#include "file.h"
 
 namespace cadrova::host {
 namespace {
-
-// It never answers from half a file.
-[[noreturn]] void Stop(const std::string& message) {
-  std::fflush(stdout);
-  std::fprintf(stderr, "%s\n", message.c_str());
-  std::_Exit(2);
-}
-
-Customization Load(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  if (!file || std::filesystem::is_directory(path)) {
-    Stop(path + ": can't read this customization file; name another with CADROVA_HOST_DATA");
-  }
-  const std::string toml((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
-  auto outcome = Customization::Parse(toml);
-  if (const auto* mistake = std::get_if<Mistake>(&outcome)) {
-    Stop(path + ':' + std::to_string(mistake->line) + ':' + std::to_string(mistake->column) + ": " +
-         mistake->what);
-  }
-  return std::move(std::get<Customization>(outcome));
-}
-
-// lib/libcadrova_ffi.so answers from share/cadrova/sample.toml, in the build tree as where it is
-// installed.
-std::string InstalledSample() {
-  Dl_info library;
-  dladdr(reinterpret_cast<const void*>(&cadrova_host_use_data), &library);
-  const auto path = std::filesystem::absolute(library.dli_fname).parent_path();
-  return (path.parent_path() / "share" / "cadrova" / "sample.toml").string();
-}
-
-std::string DataPath() {
-  const char* path = std::getenv("CADROVA_HOST_DATA");
-  return path != nullptr && *path != '\0' ? path : InstalledSample();
-}
-
-// The file, which never changes once it is read and so needs no lock, and in front of it what was
-// handed over for the SIM. Never destroyed: threads may still ask while the process exits.
-class Data {
- public:
-  static Data& The(const char* path = nullptr) {
-    static Data& data = *new Data(path != nullptr ? path : DataPath());
-    return data;
-  }
-
-  // What `use` makes of the item under `key` in `map` as a `Value`, or of NULL.
-  template <class Value>
-  auto With(const std::string& map, const std::string& key, auto use) {
-    if (IsSim(map)) {
-      const std::shared_lock lock(mutex_);
-      if (const Item* item = handed_over_.Find(map, key)) return use(As<Value>(*item));
-    }
-    const Item* item = Customization::In(map, FindInFile(key));
-    return use(item == nullptr ? nullptr : As<Value>(*item));
-  }
-
-  void HandOver(const std::string& map, const std::string& key, Item item) {
-    const std::unique_lock lock(mutex_);
-    handed_over_.Set(map, key, std::move(item));
-  }
-
-  static bool IsSim(std::string_view map) { return map.starts_with("SIM_"); }
-
- private:
-  explicit Data(const std::string& path) : file_(Load(path)) {}
-
-  // A lookup asks about one key several times in a row.
-  const Customization::ItemsOfKey* FindInFile(const std::string& key) const {
-    [[gnu::tls_model("initial-exec")]] thread_local const Customization::ItemsOfKey* last = nullptr;
-    if (last == nullptr || last->first != key) last = file_.Find(key);
-    return last;
-  }
-
-  const Customization file_;
-  std::shared_mutex mutex_;
-  Customization handed_over_;
-};
 
 template <class Value>
 Value Get(const std::string& map, const std::string& key, Value default_value) {
@@ -120,7 +34,7 @@ bool ExistsForSim(const std::string& map, const std::string& key) {
 template <class Element>
 Element* Block(std::size_t count) {
   void* block = std::malloc(count * sizeof(Element));
-  if (block == nullptr) Stop("out of memory");
+  if (block == nullptr) Stop({"libcadrova_ffi.so", 0, 0, "out of memory"});
   return static_cast<Element*>(block);
 }
 
@@ -176,8 +90,6 @@ using namespace cadrova::host;
 
 // Everything but the interface stays inside.
 #pragma GCC visibility push(default)
-
-void cadrova_host_use_data(const char* path) { Data::The(path); }
 
 cadrova_core_bool get_bool_from_map(const std::string& map, const std::string& key,
                                     cadrova_core_bool default_value) {

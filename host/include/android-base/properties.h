@@ -1,6 +1,7 @@
 /// System properties, as the platform's base library offers them; this one keeps them in the
-/// process. They start out as the `key=value` lines of the file that the environment variable
-/// CADROVA_HOST_PROPS names, if it is set. Both functions may be called from any thread.
+/// process. They start out as the lines of the file that the environment variable
+/// CADROVA_HOST_PROPS names, if it is set: `key=value`, or `[key]: [value]` as getprop prints them.
+/// Both functions may be called from any thread.
 #pragma once
 
 #include <string>

@@ -1,0 +1,28 @@
+# How things are compiled, as targets to link: what callers share with us, and what is ours alone.
+
+include(cmake/standard_library.cmake)
+cadrova_find_standard_library("${CADROVA_STANDARD_LIBRARY_FLAG}" CADROVA_STANDARD_LIBRARY)
+if(CADROVA_STANDARD_LIBRARY STREQUAL "none")
+  message(FATAL_ERROR "${CMAKE_CXX_COMPILER} (${CMAKE_CXX_COMPILER_ID} ${CMAKE_CXX_COMPILER_VERSION}) "
+                      "links no program with '${CADROVA_STANDARD_LIBRARY_FLAG}'; set "
+                      "CMAKE_CXX_COMPILER, as to clang++-19 for -stdlib=libc++")
+endif()
+# It may have come from CMAKE_CXX_FLAGS, which callers don't share.
+if(CADROVA_STANDARD_LIBRARY STREQUAL "libc++")
+  set(CADROVA_STANDARD_LIBRARY_FLAG -stdlib=libc++)
+endif()
+add_library(cadrova_standard_library INTERFACE)
+add_library(cadrova::standard_library ALIAS cadrova_standard_library)
+target_compile_options(cadrova_standard_library INTERFACE
+  $<$<COMPILE_LANGUAGE:CXX>:${CADROVA_STANDARD_LIBRARY_FLAG}>)
+target_link_options(cadrova_standard_library INTERFACE ${CADROVA_STANDARD_LIBRARY_FLAG})
+
+add_library(cadrova_flags INTERFACE)
+target_link_libraries(cadrova_flags INTERFACE cadrova_standard_library)
+target_compile_options(cadrova_flags INTERFACE
+  -Wall -Wextra -Wshadow -Wformat=2 $<$<BOOL:${CADROVA_STRICT}>:-Werror> ${CADROVA_HARDENING})
+if(CADROVA_SANITIZERS)
+  set(sanitize -fsanitize=${CADROVA_SANITIZERS} -fno-sanitize-recover=all)
+  target_compile_options(cadrova_flags INTERFACE ${sanitize} -fno-omit-frame-pointer)
+  target_link_options(cadrova_flags INTERFACE ${sanitize})
+endif()

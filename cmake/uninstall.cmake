@@ -1,0 +1,18 @@
+# Removes what the last installation from this build tree put in place, as its manifest lists it.
+set(manifest ${CMAKE_BINARY_DIR}/install_manifest.txt)
+if(NOT EXISTS ${manifest})
+  message(FATAL_ERROR "${manifest} is missing: nothing was installed from this build tree")
+endif()
+file(STRINGS ${manifest} files)
+foreach(file ${files})
+  set(file $ENV{DESTDIR}${file})
+  message(STATUS "Removing ${file}")
+  file(REMOVE ${file})
+  # The folders of that name are ours, and gone with what is in them.
+  cmake_path(GET file PARENT_PATH folder)
+  file(GLOB rest ${folder}/*)
+  if(folder MATCHES "/(cadrova|android-base)$" AND NOT rest)
+    file(REMOVE_RECURSE ${folder})
+  endif()
+endforeach()
+file(REMOVE ${manifest})
