@@ -11,13 +11,16 @@ SETUP_fuzz = check
 SETUP_arm64 = arm64
 SETUP_bench = bench
 
-.PHONY: run test build setup check bench clean
+.PHONY: run test package build setup check bench clean
 
 run: build
 	@scripts/demo build/$(PRESET)/bin
 
 test: build
 	@ctest --preset $(PRESET)
+
+package: build
+	@cmake --build --preset $(PRESET) --target package
 
 bench:
 	@scripts/bench
