@@ -157,7 +157,7 @@ TEST(StandInCore, NamesThePlaceOfEachMistake) {
       {"[A]\n" + Repeated("a . ", 100'000) + "a = 1\n", "2:255: a key of more than 64 parts"},
       {"[A]\nx = " + Repeated("[", 100'000), "2:37: "},
       {"[A]\nx = {'é' = \"\"\"\\\"\"\"\"\"\", b.é = 1}", "2:26: a letter beyond ASCII must stand"},
-      {"[A]\nx = 1\"\"\"é\"\"\"", "2:9: a letter beyond ASCII"},
+      {"[A]\nx = [{a.b = 1, c = 'é'}, 1.=[\"é\"", "2:31: a letter beyond ASCII"},
       {"[A]\nx = \"\"\"\\ \r\n\té",
        "3:2: a letter beyond ASCII must stand in quotes, and not right"},
   };

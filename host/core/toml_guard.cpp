@@ -25,13 +25,6 @@ bool IsPartOfKey(char byte) {
          byte == '-' || byte == ' ' || byte == '\t';
 }
 
-// Quotes within a bare word open no string.
-bool OpensString(std::string_view toml, std::size_t at, std::size_t begin) {
-  constexpr std::string_view kBefore = " \t\r\n=,[{.";
-  return (toml[at] == '"' || toml[at] == '\'') &&
-         (at == begin || kBefore.find(toml[at - 1]) != std::string_view::npos);
-}
-
 // Behind the string whose quotes open at `at`; or where it breaks off, or toml++ must not go on.
 std::size_t EndOfString(std::string_view toml, std::size_t at) {
   const char quote = toml[at];
@@ -55,25 +48,48 @@ std::size_t EndOfString(std::string_view toml, std::size_t at) {
 }  // namespace
 
 std::optional<Mistake> WhatTomlCannotTake(std::string_view toml) {
-  int dots = 0;
-  const std::size_t begin = toml.starts_with("\xEF\xBB\xBF") ? 3 : 0;
-  for (std::size_t at = begin; at < toml.size();) {
+  std::string open;       // the brackets of values
+  bool in_value = false;  // rather than in a key or a table's header
+  bool in_word = false;   // in a value without quotes, of which these would be letters
+  int dots = 0;           // of a key
+  for (std::size_t at = toml.starts_with("\xEF\xBB\xBF") ? 3 : 0; at < toml.size();) {
     const char byte = toml[at];
     if (IsBeyondAscii(byte)) {
       return At(toml, at,
                 "a letter beyond ASCII must stand in quotes, and not right behind a backslash that "
                 "ends a line");
     }
-    if (byte == '.' && ++dots == kMostParts) {
+    if (byte == '.' && !in_value && ++dots == kMostParts) {
       return At(toml, at, "a key of more than " + std::to_string(kMostParts) + " parts");
     }
     if (byte == '#') {
       at = std::min(toml.find('\n', at), toml.size());
-    } else if (OpensString(toml, at, begin)) {
+      continue;
+    }
+    if ((byte == '"' || byte == '\'') && !in_word) {
       at = EndOfString(toml, at);
+      continue;
+    }
+    ++at;
+    constexpr std::string_view kBlanks = " \t\r\n", kEnds = ",]}";
+    const bool is_blank = kBlanks.find(byte) != std::string_view::npos;
+    in_word = in_word && !is_blank && kEnds.find(byte) == std::string_view::npos;
+    if (in_word) continue;
+    if (byte != '.' && !IsPartOfKey(byte)) dots = 0;
+    if (open.empty() && byte == '\n') {
+      in_value = false;
+    } else if (!open.empty() && byte == ',') {
+      in_value = open.back() == '[';
+    } else if (!open.empty() && (byte == ']' || byte == '}')) {
+      open.pop_back();
+      in_value = true;
+    } else if (in_value && (byte == '[' || byte == '{')) {
+      open += byte;
+      in_value = byte == '[';
+    } else if (in_value) {
+      in_word = !is_blank;
     } else {
-      if (byte != '.' && !IsPartOfKey(byte)) dots = 0;
-      ++at;
+      in_value = byte == '=';
     }
   }
   return std::nullopt;
