@@ -4,8 +4,8 @@ include(cmake/standard_library.cmake)
 cadrova_find_standard_library("${CADROVA_STANDARD_LIBRARY_FLAG}" CADROVA_STANDARD_LIBRARY)
 if(CADROVA_STANDARD_LIBRARY STREQUAL "none")
   message(FATAL_ERROR "${CMAKE_CXX_COMPILER} (${CMAKE_CXX_COMPILER_ID} ${CMAKE_CXX_COMPILER_VERSION}) "
-                      "links no program with '${CADROVA_STANDARD_LIBRARY_FLAG}'; set "
-                      "CMAKE_CXX_COMPILER, as to clang++-19 for -stdlib=libc++")
+                      "links no C++ program with '${CADROVA_STANDARD_LIBRARY_FLAG}'; use a compiler "
+                      "that does, as clang++-19 with libc++ does with -stdlib=libc++")
 endif()
 # It may have come from CMAKE_CXX_FLAGS, which callers don't share.
 if(CADROVA_STANDARD_LIBRARY STREQUAL "libc++")

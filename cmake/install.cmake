@@ -22,8 +22,9 @@ if(CADROVA_INSTALL_HOST)
     install(DIRECTORY host/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
   endif()
 endif()
-# Without what it asks, the command does not run.
-if(CADROVA_BUILD_COMMAND AND (CADROVA_INSTALL_HOST OR NOT stand_ins))
+if(CADROVA_BUILD_COMMAND AND stand_ins AND NOT CADROVA_INSTALL_HOST)
+  message(STATUS "Not installed: the cadrova command, which does not run without the stand-ins")
+elseif(CADROVA_BUILD_COMMAND)
   install(TARGETS cadrova RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 endif()
 
@@ -34,7 +35,7 @@ endif()
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/cadrova)
 configure_package_config_file(cmake/cadrovaConfig.cmake.in cadrovaConfig.cmake
   INSTALL_DESTINATION ${package_dir} PATH_VARS CMAKE_INSTALL_INCLUDEDIR CMAKE_INSTALL_LIBDIR
-  NO_SET_AND_CHECK_MACRO NO_CHECK_REQUIRED_COMPONENTS_MACRO)
+  NO_SET_AND_CHECK_MACRO)
 write_basic_package_version_file(cadrovaConfigVersion.cmake COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/cadrovaConfig.cmake
   ${PROJECT_BINARY_DIR}/cadrovaConfigVersion.cmake cmake/standard_library.cmake
@@ -51,6 +52,13 @@ foreach(package cadrova cadrova-host)
 endforeach()
 
 if(PROJECT_IS_TOP_LEVEL)
+  # For uninstalling; what is installed only to be packed is not for that.
+  install(CODE [[
+    if(NOT CMAKE_INSTALL_PREFIX MATCHES "/_CPack_Packages/")
+      string(REGEX REPLACE "(^|;)/" "\\1$ENV{DESTDIR}/" installed "${CMAKE_INSTALL_MANIFEST_FILES}")
+      string(REPLACE ";" "\n" installed "${installed}")
+      file(WRITE "${CMAKE_CURRENT_LIST_DIR}/installed.txt" "${installed}\n")
+    endif()]])
   add_custom_target(uninstall
     COMMAND ${CMAKE_COMMAND} -P ${PROJECT_SOURCE_DIR}/cmake/uninstall.cmake VERBATIM)
   set(CPACK_GENERATOR TGZ)

@@ -60,7 +60,7 @@ void ForgetSim();
 void ForgetProperties();
 
 /// Back to how the process began: nothing handed over, no property set, and the customization file
-/// read when the core is next asked. Another property store than the stand-in keeps its properties.
+/// read when the core is next asked.
 void StartOver();
 
 }  // namespace cadrova::host
