@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "bridge/existence_tests.h"
 #include "bridge/parser_core.h"
 
 bench::Device bench::device;
@@ -44,22 +45,9 @@ char** get_str_arr_from_map(const std::string&, const std::string&) {
 std::int32_t* get_int_arr_from_map(const std::string&, const std::string&) { return nullptr; }
 char** get_map_arr_from_map(const std::string&, const std::string&) { return nullptr; }
 
-#define EXISTENCE_TEST(name) \
+#define EXISTENCE_TEST(name, Value) \
   cadrova_core_bool name(const std::string&, const std::string&) { return device.first_has_it; }
-EXISTENCE_TEST(get_bool_item_exist)
-EXISTENCE_TEST(get_int_item_exist)
-EXISTENCE_TEST(get_float_item_exist)
-EXISTENCE_TEST(get_str_item_exist)
-EXISTENCE_TEST(get_str_arr_item_exist)
-EXISTENCE_TEST(get_int_arr_item_exist)
-EXISTENCE_TEST(get_map_arr_item_exist)
-EXISTENCE_TEST(sim_get_bool_item_exist)
-EXISTENCE_TEST(sim_get_int_item_exist)
-EXISTENCE_TEST(sim_get_str_item_exist)
-EXISTENCE_TEST(sim_get_str_arr_item_exist)
-EXISTENCE_TEST(sim_get_int_arr_item_exist)
-EXISTENCE_TEST(sim_get_map_arr_item_exist)
-#undef EXISTENCE_TEST
+CADROVA_EXISTENCE_TESTS(EXISTENCE_TEST, EXISTENCE_TEST)
 
 void cxx_sim_set_the_cadrova(const std::string&, const std::string&, const std::string&) {}
 

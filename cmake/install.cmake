@@ -25,7 +25,12 @@ endif()
 if(CADROVA_BUILD_COMMAND AND stand_ins AND NOT CADROVA_INSTALL_HOST)
   message(STATUS "Not installed: the cadrova command, which does not run without the stand-ins")
 elseif(CADROVA_BUILD_COMMAND)
-  install(TARGETS cadrova RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  install(TARGETS cadrova cadrova_trace
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+  install(FILES tools/cadrova/cadrova.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  install(FILES tools/cadrova/completion.bash RENAME cadrova
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+  install(FILES tools/cadrova/_cadrova DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
 endif()
 
 set(CADROVA_HAS_KIT OFF)

@@ -1,18 +1,21 @@
-// The cadrova command as its users run it: arguments in; standard output, standard error and exit
-// status out.
+// The cadrova command as its users run it.
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
+#include <regex>
+#include <set>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "files.h"
+#include "run.h"
 
 namespace {
 
@@ -28,38 +31,18 @@ float = 2.0
 float = 1.0
 )");
 
-struct Outcome {
-  std::string out, err;
-  int status;
-};
-
-// `line` has a bar between words; `setting` is one of the environment, as NAME=value.
+// `line` has a bar between words; "cadrova" is the command again.
 Outcome Cadrova(const std::string& line, const std::string& setting = "CADROVA_HOST_DATA=" + kData,
-                const std::string& out = TemporaryFile("out", "")) {
-  const std::string err = TemporaryFile("err", "");
-  std::vector<std::string> words = {"env", "-u", "CADROVA_HOST_PROPS", setting, CADROVA_COMMAND};
+                const std::string& out = "") {
+  const Words command = {CADROVA_COMMAND};
+  Words words = command;
   std::istringstream rest(line + '|');
-  for (std::string word; std::getline(rest, word, '|');) words.push_back(word);
-  std::vector<char*> arguments;
-  for (std::string& word : words) arguments.push_back(word.data());
-  arguments.push_back(nullptr);
-  const pid_t child = fork();
-  if (child == 0) {
-    const bool redirected = dup2(open(out.c_str(), O_WRONLY), STDOUT_FILENO) >= 0 &&
-                            dup2(open(err.c_str(), O_WRONLY), STDERR_FILENO) >= 0;
-    if (redirected) execvp("env", arguments.data());
-    _exit(126);
+  for (std::string word; std::getline(rest, word, '|');) {
+    words.push_back(word);
+    if (word == "cadrova")
+      words.insert(words.erase(words.end() - 1), command.begin(), command.end());
   }
-  int status = -1;
-  EXPECT_EQ(waitpid(child, &status, 0), child);
-  return {out == "/dev/full" ? "" : Contents(out), Contents(err),
-          WIFEXITED(status) ? WEXITSTATUS(status) : -1};
-}
-
-void Expect(const Outcome& outcome, const std::string& out, const std::string& err) {
-  EXPECT_EQ(outcome.out, out);
-  EXPECT_EQ(outcome.err, err);
-  EXPECT_EQ(outcome.status, 0) << err;
+  return RunProgram(words, {setting}, out);
 }
 
 TEST(Command, PrintsTheValueAlone) {
@@ -73,13 +56,11 @@ TEST(Command, PrintsTheValueAlone) {
       {"map-array|map-array|--json", "[[\"k\",\"123456789\"],[\"k\",\"\"],[\"\",\"\"]]\n"},
       // Feature keys of dotted keys, and of tables inside a map.
       {"int|a.b.c", "1\n"}, {"int|a.b.d", "2\n"},
-      // Missing items: the default, or what stands in for one.
-      {"bool|nope", "false\n"}, {"bool|int|true", "true\n"}, {"bool|nope|false", "false\n"},
-      {"int|nope", "0\n"}, {"int|nope|-7", "-7\n"}, {"int||2147483647", "2147483647\n"},
-      {"float|nope", "0\n"}, {"float|nope|-.5", "-0.5\n"}, {"float|nope|16777216", "16777216\n"},
-      {"float|nope|-Inf", "-inf\n"}, {"string|nope", "\n"}, {"string|nope|--|--x", "--x\n"},
-      {"string-array|int-array", ""}, {"int-array|nope", ""}, {"map-array|nope", ""},
-      {"int-array|none|--json", "[]\n"},
+      // Missing items that have a default.
+      {"bool|int|true", "true\n"}, {"bool|nope|false", "false\n"},
+      {"int|nope|-7", "-7\n"}, {"int||2147483647", "2147483647\n"},
+      {"float|nope|--|-.5", "-0.5\n"}, {"float|nope|16777216", "16777216\n"},
+      {"float|nope|--|-Inf", "-inf\n"}, {"string|nope|--|--x", "--x\n"},
       // clang-format on
   };
   for (const auto& [question, out] : cases) {
@@ -87,6 +68,21 @@ TEST(Command, PrintsTheValueAlone) {
   }
 }
 
+TEST(Command, SaysThatNoMapHoldsAnItem) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"bool|", "false\n"},  {"int|", "0\n"},    {"float|", "0\n"}, {"string|", "\n"},
+      {"string-array|", ""}, {"int-array|", ""}, {"map-array|", ""}};
+  for (const auto& [kind, out] : cases) {
+    const std::string name = kind;
+    Expect(Cadrova("get|default|" + name + "nope"), out,
+           "cadrova: no map holds nope as " + name.substr(0, name.size() - 1) +
+               "; see cadrova explain\n",
+           1);
+  }
+  Expect(Cadrova("get|default|int-array|none|--json"), "[]\n", "");  // It is held, and empty.
+}
+
+// Which function was called is seen from outside.
 TEST(Command, AsksTheLookupOfEachFamilyAndKind) {
   const std::vector<std::array<std::string, 3>> kinds = {
       // clang-format off
@@ -95,20 +91,128 @@ TEST(Command, AsksTheLookupOfEachFamilyAndKind) {
       {"int-array", "IntArray", "[5]"}, {"map-array", "MapArray", "[[\"x\", \"5\"]]"}};
   // clang-format on
   const std::vector<std::array<std::string, 3>> families = {
-      {"region", "getRegionCust", "Feature exist with the region "},
-      {"carrier", "getCotaCust", "Feature do not exist with the carrier "},
-      {"carrier-region", "getCotaRegionCust", "Feature exist with the region "},
-      {"sim", "getSimCust", "Feature exist with the carrier "}};
+      {"default", "getCust", "DEFAULT"},
+      {"region", "getRegionCust", ""},
+      {"carrier", "getCotaCust", "DEFAULT"},
+      {"carrier-region", "getCotaRegionCust", ""},
+      {"sim", "getSimCust", "SIM_"}};
   for (const auto& [kind, kind_name, item] : kinds) {
-    for (const auto& [family, family_name, words] : families) {
+    for (const auto& [family, family_name, map] : families) {
       if (family == "sim" && kind == "float") continue;
-      std::string line = family_name + kind_name + words;
-      if (line.starts_with("getCotaRegionCustMap")) line.replace(17, 3, "String");  // Another's.
-      const Outcome outcome =
-          Cadrova("get|" + family + '|' + kind + '|' + kind + "|--sim|" + kind + '=' + item);
-      EXPECT_TRUE(outcome.err.starts_with(line)) << line << outcome.err;
+      const std::string function = family_name + kind_name + "Feature";
+      const std::string question = family + '|' + kind + '|' + kind + "|--sim|" + kind + '=' + item;
+      const Outcome traced = Cadrova("trace|--|cadrova|get|" + question);
+      EXPECT_NE(traced.err.find(' ' + function + "(\"" + kind + '"'), std::string::npos)
+          << traced.err;
+      const Outcome explained = Cadrova("explain|--json|" + question);
+      EXPECT_TRUE(explained.out.starts_with("{\"function\":\"" + function + "\",\"key\":\"" + kind +
+                                            "\",\"kind\":\"" + kind))
+          << explained.out;
+      EXPECT_NE(explained.out.find("\"answered_by\":\"" + map + '"'), std::string::npos)
+          << explained.out;
     }
   }
+}
+
+TEST(Command, ExplainsWhichMistakeWasMade) {
+  const std::string data = "[DEFAULT]\nring.seconds = 30\n[COTA_X1]\nring.seconds = 25\n";
+  const std::pair<std::string, std::string> mistakes[] = {
+      // clang-format off
+      {"[COTA_EU_X1]\nring.seconds = 40", "not asked    COTA_EU_X1, almost COTA_X1_EU\n"},
+      {"[cota_x1_eu]\nring.seconds = 40", "not asked    cota_x1_eu, almost COTA_X1_EU\n"},
+      {"['COTA_X1_EU ']\nring.seconds = 40", "not asked    \"COTA_X1_EU \", almost COTA_X1_EU\n"},
+      {"[X1_EU]\nring.seconds = 40", "not asked    X1_EU\n"},
+      {"[COTA_X1_EU]\nring.second = 40", "similar      ring.second in COTA_X1_EU\n"},
+      {"[COTA_X1_EU]\nRing.Seconds = 40", "similar      Ring.Seconds in COTA_X1_EU\n"},
+      {"[COTA_X1_EU.ring]\nring.seconds = 40", "similar      ring.ring.seconds in COTA_X1_EU\n"},
+      {"[COTA_X1_EU]\nring.seconds = '40'", "\n  COTA_X1_EU    string, not int\n"},
+      {"[COTA_X1_EU]\nring.seconds = 40.0", "\n  COTA_X1_EU    float, not int\n"},
+      {"[COTA_X1_EU]\nring.seconds = []", "\n  COTA_X1_EU    string-array, int-array, map-array, not int\n"},
+      // clang-format on
+  };
+  for (const auto& [mistake, words] : mistakes) {
+    const std::string file = TemporaryFile("mistake.toml", data + mistake);
+    const Outcome outcome =
+        Cadrova("explain|carrier-region|int|ring.seconds|--region|EU|--carrier|X1|--data|" + file);
+    EXPECT_TRUE(outcome.out.starts_with("25, from COTA_X1\n")) << outcome.out;
+    EXPECT_NE(outcome.out.find(words), std::string::npos) << outcome.out;
+    EXPECT_EQ(std::pair(outcome.err, outcome.status), std::pair(std::string(), 0));
+  }
+}
+
+TEST(Command, ExplainsALookupAsTextStepsAndJson) {
+  const std::string question = "explain|sim|int|ring|7|--carrier|X1|--sim|other=1|--data|" +
+                               TemporaryFile("explained.toml", R"(
+[DEFAULT]
+ring = 30
+[SIM_X1]
+ring = 1.5
+[COTA_X1]
+ring = 25
+[COTA_X1_EU]
+ring = 40
+)");
+  Expect(Cadrova(question),
+         R"(25, from COTA_X1
+
+  map           holds           value
+  SIM_X1        float, not int
+  SIM_DEFAULT   -
+  COTA_X1_      -
+> COTA_X1       int             25
+  ""            -
+  DEFAULT       int             30
+
+properties   persist.sys.cota.carrier = X1
+             ro.orvel.region is unset
+             persist.sys.cota.carrier = X1
+line         getCotaRegionCustIntFeature exist with the carrier : 25 
+data         )" +
+             kTemporaryFolder.path + R"(/explained.toml
+not asked    COTA_X1_EU
+)",
+         "");
+  Expect(Cadrova(question + "|--steps"), R"(GetProperty("persist.sys.cota.carrier", "") = "X1"
+sim_get_int_item_exist("SIM_X1", "ring") = false
+sim_get_int_item_exist("SIM_DEFAULT", "ring") = false
+GetProperty("ro.orvel.region", "") = ""
+GetProperty("persist.sys.cota.carrier", "") = "X1"
+get_int_item_exist("COTA_X1_", "ring") = false
+get_int_item_exist("COTA_X1", "ring") = true
+get_int_from_map("COTA_X1", "ring", 7) = 25
+get_int_from_map("COTA_X1", "ring", 7) = 25
+)",
+         "");
+  Expect(
+      Cadrova(question + "|--json"),
+      "{\"function\":\"getSimCustIntFeature\",\"key\":\"ring\",\"kind\":\"int\",\"default\":7,"
+      "\"value\":25,\"answered_by\":\"COTA_X1\","
+      R"("line":"getCotaRegionCustIntFeature exist with the carrier : 25 ","properties":[["persist.sys.cota.carrier","X1"],["ro.orvel.region",""],["persist.sys.cota.carrier","X1"]],"maps":[{"map":"SIM_X1","asked":true,"holds":["float"],"value":null},{"map":"SIM_DEFAULT","asked":true,"holds":[],"value":null},{"map":"COTA_X1_","asked":true,"holds":[],"value":null},{"map":"COTA_X1","asked":true,"holds":["int"],"value":25},{"map":"","asked":false,"holds":[],"value":null},{"map":"DEFAULT","asked":false,"holds":["int"],"value":30}]}
+)",
+      "");
+  Expect(
+      Cadrova("explain|default|string-array|nope|--json"),
+      R"({"function":"getCustStringArrayFeature","key":"nope","kind":"string-array","value":[],"answered_by":null,"line":null,"properties":[],"maps":[{"map":"DEFAULT","asked":true,"holds":[],"value":null}]}
+)",
+      "");
+  const Outcome nowhere = Cadrova("explain|region|string|strin|d");
+  EXPECT_TRUE(nowhere.out.starts_with("\"d\", the default: no map holds strin as string\n"))
+      << nowhere.out;
+}
+
+TEST(Command, IsColouredOnATerminalOnly) {
+  const int terminal = posix_openpt(O_RDWR | O_NOCTTY);
+  ASSERT_EQ(grantpt(terminal) + unlockpt(terminal), 0);
+  const std::string name = ptsname(terminal);
+  for (const std::string setting : {"A=", "NO_COLOR=", "NO_COLOR=1"}) {
+    Cadrova("explain|default|int|camera.max_zoom", setting, name);
+    std::string screen(4096, '\0');
+    screen.resize(static_cast<std::size_t>(
+        std::max<ssize_t>(read(terminal, screen.data(), screen.size()), 0)));
+    EXPECT_EQ(screen.find("\x1B[32m> DEFAULT") != std::string::npos, setting != "NO_COLOR=1")
+        << screen;
+  }
+  close(terminal);
 }
 
 TEST(Command, AnswersForTheCodesOfTheStoreOrThoseGivenFromTheFileNamedFirst) {
@@ -140,10 +244,12 @@ TEST(Command, RefusesWithOneLineThatSaysWhy) {
   const std::string int_k = "get|default|int|k", region_k = "get|region|int|k";
   const std::string store = "CADROVA_HOST_PROPS=";
   const struct {
-    std::string line, what, setting = "A=", out_file = TemporaryFile("out", "");
+    std::string line, what, setting = "A=", out_file = "";
   } cases[] = {
       // clang-format off
-      {"nope", "A subcommand is required"},
+      {"nope", "cadrova: 'nope' is no command; use one of: explain, get, trace, help\n"},
+      {"", "cadrova: '' is no command"}, {"help|nope", "'nope' is no command"},
+      {"--nope", "--nope; what is no option stands behind --; see cadrova --help\n"},
       {"get|default|int", "KEY is required; see cadrova get --help\n"},
       {"get|defalt|int|k",
        "'defalt' is no family; use one of: default, region, carrier, carrier-region, sim\n"},
@@ -158,8 +264,15 @@ TEST(Command, RefusesWithOneLineThatSaysWhy) {
       {"get|default|float|k|", "default '' is no float"},
       {"get|default|float|k|1e39", "default '1e39' is out of the range of a 32-bit float\n"},
       {"get|sim|int-array|k|x", "'x' is refused: list kinds have none, a missing list is empty\n"},
-      {int_k + "|1|-2", "'-2' was not expected; see cadrova get --help\n"},
-      {int_k + "|--jsn", "'--jsn' was not expected"},
+      {int_k + "|1|-2", "not expected: -2; what is no option stands behind --; see cadrova get --help\n"},
+      {int_k + "|--jsn", "not expected: --jsn"}, {int_k + "|a\nb", "default 'a?b' is no int"},
+      {"get|default|string|-k|fallback", "not expected: -k"},
+      {region_k + "|--region|--carrier|X1", "--region: '--carrier' is an option; see"},
+      {"get|sim|int|k|1|--sim|a=b|z=y", "not expected: z=y"},
+      {"explain|sim|int|k|--json|--steps", "--json and --steps exclude each other\n"},
+      {"trace|--steps", "PROGRAM is required; see cadrova trace --help\n"},
+      {"trace|--steps|--summary|--|true", "--steps and --summary exclude each other\n"},
+      {"trace|-o|/nowhere/x|true", "cadrova: -o /nowhere/x: No such file or directory\n"},
       {"get|default|float|k|inf|--json", "JSON has no inf\n"},
       {"get|default|float|k|nan|--json", "JSON has no nan\n"},
       {"get|default|string|k|\xE9|--json",
@@ -173,7 +286,9 @@ TEST(Command, RefusesWithOneLineThatSaysWhy) {
       {int_k + "|--data|" + huge, huge + ": can't be read: it is larger than 1 GiB\n"},
       {int_k + "|--data|" + mistaken, mistaken + ":2:5: a date"},
       {int_k + "|--data|" + not_utf8, not_utf8 + ":2:5: "},
-      {int_k, "cadrova: can't write the value to standard output\n", "A=", "/dev/full"},
+      {int_k + "|1", "cadrova: can't write to standard output: No space left on device\n", "A=", "/dev/full"},
+      {"--version", "can't write to standard output", "A=", "/dev/full"},
+      {"get|--help", "can't write to standard output", "A=", "/dev/full"},
       {region_k, "/tmp: can't be read: Is a directory; name another with CADROVA_HOST_PROPS\n",
        store + "/tmp"},
       // clang-format on
@@ -197,12 +312,38 @@ TEST(Command, RefusesWithOneLineThatSaysWhy) {
   }
 }
 
-TEST(Command, HelpsAsTheReadmeShows) {
-  for (const std::string line : {"--help", "get|--help"}) {
-    const auto [out, err, status] = Cadrova(line);
-    const std::string help = "--help\n" + out.substr(0, out.find_last_not_of('\n') + 1) + "\n```";
-    EXPECT_NE(Contents(CADROVA_README).find(help), std::string::npos) << help;
+// The words in `text` that name a command or a long option.
+std::set<std::string> CommandsAndOptions(const std::string& text) {
+  std::set<std::string> words;
+  const std::regex word("(^|[^a-z-])(--[a-z]+|explain|get|trace|help)(?![a-z-])");
+  for (std::sregex_iterator found(text.begin(), text.end(), word), end; found != end; ++found) {
+    words.insert((*found)[2]);
   }
+  return words;
+}
+
+TEST(Command, HelpsAsTheReadmeTheManualAndTheShellsDo) {
+  const std::string sources = CADROVA_SOURCES, readme = Contents(sources + "/README.md");
+  std::string all;
+  for (const std::string command : {"", "explain", "get", "trace", "help"}) {
+    const auto [out, err, status] = Cadrova(command.empty() ? "--help" : command + "|--help");
+    if (command != "help") {
+      const std::string help = "--help\n" + out.substr(0, out.find_last_not_of('\n') + 1) + "\n```";
+      EXPECT_NE(readme.find(help), std::string::npos) << help;
+    }
+    Expect(Cadrova(command.empty() ? "help" : "help|" + command), out, "");
+    all += out;
+  }
+  for (const std::string file : {"cadrova.1", "completion.bash", "_cadrova"}) {
+    const std::string text = Contents(sources + "/tools/cadrova/" + file);
+    const std::string plain = std::regex_replace(text, std::regex("\\\\-"), "-");
+    EXPECT_EQ(CommandsAndOptions(plain), CommandsAndOptions(all)) << file;
+  }
+  const Outcome explained = Cadrova("explain|sim|int|calling.ring_seconds|--region|EU|--carrier|X1",
+                                    "CADROVA_HOST_DATA=");
+  const std::regex place("\ndata         .*/share");
+  const std::string first = std::regex_replace(explained.out, place, "\ndata         [...]/share");
+  EXPECT_NE(readme.find(first), std::string::npos) << first;
   Expect(Cadrova("--version"), CADROVA_VERSION "\n", "");
 }
 

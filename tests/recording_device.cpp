@@ -10,6 +10,7 @@
 #include <iterator>
 #include <utility>
 
+#include "bridge/existence_tests.h"
 #include "bridge/parser_core.h"
 
 namespace recording {
@@ -182,18 +183,12 @@ void __wrap_free(void* block) {
   std::memset(block, 0xDD, size);
 }
 
-#define EXISTENCE_TEST(name)                                               \
+#define EXISTENCE_TEST(name, Value)                                        \
   cadrova_core_bool name(const std::string& map, const std::string& key) { \
     Asked(#name, {&map, &key});                                            \
     return device.exists[map];                                             \
   }
-#define EXISTENCE_TESTS(kind)             \
-  EXISTENCE_TEST(get_##kind##_item_exist) \
-  EXISTENCE_TEST(sim_get_##kind##_item_exist)
-// clang-format off
-EXISTENCE_TESTS(bool) EXISTENCE_TESTS(int) EXISTENCE_TEST(get_float_item_exist)
-EXISTENCE_TESTS(str) EXISTENCE_TESTS(str_arr) EXISTENCE_TESTS(int_arr) EXISTENCE_TESTS(map_arr)
-// clang-format on
+CADROVA_EXISTENCE_TESTS(EXISTENCE_TEST, EXISTENCE_TEST)
 
 }  // extern "C"
 

@@ -146,7 +146,11 @@ Outcome<Customization> ToCustomization(std::string_view toml) {
 std::variant<Customization, Mistake> Customization::Parse(std::string_view toml,
                                                           const std::string& file) {
   auto outcome = ToCustomization(toml);
-  if (auto* mistake = std::get_if<Mistake>(&outcome)) mistake->file = file;
+  if (auto* mistake = std::get_if<Mistake>(&outcome)) {
+    mistake->file = file;
+  } else {
+    std::get<Customization>(outcome).file_ = file;
+  }
   return outcome;
 }
 

@@ -51,6 +51,16 @@ class Customization {
     return found == items_.end() ? nullptr : &found->second;
   }
 
+  // The name of every item.
+  std::vector<std::pair<std::string, std::string>> Names() const {
+    std::vector<std::pair<std::string, std::string>> names;
+    for (const auto& [name, item] : items_) names.emplace_back(name.map, name.key);
+    return names;
+  }
+
+  // What the document was called.
+  const std::string& file() const { return file_; }
+
   void Set(const std::string& map, const std::string& key, Item item) {
     items_.insert_or_assign({map, key}, std::move(item));
   }
@@ -75,6 +85,7 @@ class Customization {
     }
   };
 
+  std::string file_;
   // A power of two of buckets stays one as the table grows, and spares every lookup a division.
   std::unordered_map<Name<std::string>, Item, Hash, Equal> items_{1024};
 };

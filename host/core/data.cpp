@@ -2,6 +2,7 @@
 
 #include <dlfcn.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <optional>
@@ -63,6 +64,17 @@ std::optional<Mistake> AnswerFromFile(const std::string& path) { return Answer(R
 
 std::optional<Mistake> AnswerFromText(const std::string& toml) {
   return Answer(Customization::Parse(toml, "<text>"));
+}
+
+Inventory TakeInventory() {
+  const Customization& file = Data::The().File();
+  Inventory inventory = {file.file(), file.Names()};
+  auto& items = inventory.items;
+  for (auto& name : Data::The().NamesHandedOver()) items.push_back(std::move(name));
+  std::ranges::sort(items);
+  const auto repeated = std::ranges::unique(items);
+  items.erase(repeated.begin(), repeated.end());
+  return inventory;
 }
 
 void ForgetSim() { Data::The().ForgetSim(); }

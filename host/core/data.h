@@ -32,9 +32,18 @@ class Data {
       const std::shared_lock lock(mutex_);
       if (const Item* item = handed_over_.Find(map, key)) return use(As<Value>(*item));
     }
-    const Customization* file = file_.load(std::memory_order_acquire);
-    const Item* item = (file != nullptr ? *file : Loaded()).Find(map, key);
+    const Item* item = File().Find(map, key);
     return use(item == nullptr ? nullptr : As<Value>(*item));
+  }
+
+  const Customization& File() {
+    const Customization* file = file_.load(std::memory_order_acquire);
+    return file != nullptr ? *file : Loaded();
+  }
+
+  auto NamesHandedOver() {
+    const std::shared_lock lock(mutex_);
+    return handed_over_.Names();
   }
 
   void HandOver(const std::string& map, const std::string& key, Item item) {

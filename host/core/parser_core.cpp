@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "bridge/existence_tests.h"
 #include "customization.h"
 #include "data.h"
 #include "file.h"
@@ -22,12 +23,6 @@ Value Get(const std::string& map, const std::string& key, Value default_value) {
 template <class Value>
 bool Exists(const std::string& map, const std::string& key) {
   return Data::The().With<Value>(map, key, [](const Value* value) { return value != nullptr; });
-}
-
-// SIM questions look at SIM maps only.
-template <class Value>
-bool ExistsForSim(const std::string& map, const std::string& key) {
-  return Data::IsSim(map) && Exists<Value>(map, key);
 }
 
 // A block of `count` elements for the caller to `free`.
@@ -124,22 +119,16 @@ char** get_map_arr_from_map(const std::string& map, const std::string& key) {
   return Data::The().With<MapArray>(map, key, PairArrayBlock);
 }
 
-#define EXISTENCE_TEST(name, test) \
-  cadrova_core_bool name(const std::string& map, const std::string& key) { return test(map, key); }
-EXISTENCE_TEST(get_bool_item_exist, Exists<bool>)
-EXISTENCE_TEST(get_int_item_exist, Exists<std::int32_t>)
-EXISTENCE_TEST(get_float_item_exist, Exists<float>)
-EXISTENCE_TEST(get_str_item_exist, Exists<std::string>)
-EXISTENCE_TEST(get_str_arr_item_exist, Exists<StringArray>)
-EXISTENCE_TEST(get_int_arr_item_exist, Exists<IntArray>)
-EXISTENCE_TEST(get_map_arr_item_exist, Exists<MapArray>)
-EXISTENCE_TEST(sim_get_bool_item_exist, ExistsForSim<bool>)
-EXISTENCE_TEST(sim_get_int_item_exist, ExistsForSim<std::int32_t>)
-EXISTENCE_TEST(sim_get_str_item_exist, ExistsForSim<std::string>)
-EXISTENCE_TEST(sim_get_str_arr_item_exist, ExistsForSim<StringArray>)
-EXISTENCE_TEST(sim_get_int_arr_item_exist, ExistsForSim<IntArray>)
-EXISTENCE_TEST(sim_get_map_arr_item_exist, ExistsForSim<MapArray>)
-#undef EXISTENCE_TEST
+#define EXISTENCE_TEST(name, Value)                                        \
+  cadrova_core_bool name(const std::string& map, const std::string& key) { \
+    return Exists<Value>(map, key);                                        \
+  }
+// SIM questions look at SIM maps only.
+#define SIM_EXISTENCE_TEST(name, Value)                                    \
+  cadrova_core_bool name(const std::string& map, const std::string& key) { \
+    return Data::IsSim(map) && Exists<Value>(map, key);                    \
+  }
+CADROVA_EXISTENCE_TESTS(EXISTENCE_TEST, SIM_EXISTENCE_TEST)
 
 void cxx_sim_set_the_cadrova(const std::string& name, const std::string& first,
                              const std::string& second) {

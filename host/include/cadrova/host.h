@@ -13,13 +13,15 @@
 /// what is given here never does: it comes back, and the core answers as before.
 ///
 /// Thread safety: call `AnswerFromFile`, `AnswerFromText` and `StartOver` between lookups, while no
-/// other thread asks the library or calls one of them. `ForgetSim`, `ForgetProperties`,
-/// `setSimCadrova` and `SetProperty` may run beside lookups and one another.
+/// other thread asks the library or calls one of them. The others, `setSimCadrova` and
+/// `SetProperty` may run beside lookups and one another.
 #pragma once
 
 #include <optional>
 #include <ostream>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace cadrova::host {
 
@@ -51,6 +53,16 @@ inline std::ostream& operator<<(std::ostream& stream, const Mistake& mistake) {
 
 /// The same with `toml` as the contents of the file.
 [[nodiscard]] std::optional<Mistake> AnswerFromText(const std::string& toml);
+
+/// All that the core holds.
+struct Inventory {
+  std::string file;  ///< The customization file, as it was named; "<text>" for a text.
+  /// The map and feature key of every item, sorted; those handed over for the SIM among them.
+  std::vector<std::pair<std::string, std::string>> items;
+};
+
+/// Lists what the core holds now.
+Inventory TakeInventory();
 
 /// Forgets all that was handed over for the SIM.
 void ForgetSim();

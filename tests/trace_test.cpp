@@ -1,0 +1,157 @@
+// Programs under `cadrova trace`: what is written of their lookups, and that they are as without
+// it.
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <map>
+#include <regex>
+#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "files.h"
+#include "run.h"
+
+namespace {
+
+const Words kSettings = {
+    "CADROVA_HOST_DATA=" +
+    TemporaryFile("data.toml", "[DEFAULT]" + kItems + "held = 5\n[\"\"]\nheld = 6\n")};
+
+Words operator+(Words words, const Words& more) {
+  words.insert(words.end(), more.begin(), more.end());
+  return words;
+}
+
+Words Traced(const Words& options, const Words& program) {
+  return Words{CADROVA_COMMAND, "trace"} + options + Words{"--"} + program;
+}
+
+// A trace with letters for the numbers of processes, in their order, and T for those of threads.
+std::string Lettered(const std::string& trace) {
+  std::string text;
+  std::map<std::string, char> letters;
+  const std::regex number("(^|\n)([0-9]+)(\\.[0-9]+)?(?= )");
+  auto rest = trace.begin();
+  for (std::sregex_iterator found(trace.begin(), trace.end(), number), end; found != end; ++found) {
+    const auto letter = letters.try_emplace((*found)[2], 'A' + letters.size()).first->second;
+    text.append(rest, (*found)[2].first) += letter;
+    text += (*found)[3].matched ? ".T" : "";
+    rest = (*found)[0].second;
+  }
+  return text.append(rest, trace.end());
+}
+
+TEST(Trace, TellsOfEachLookupAndLeavesTheProgramAsItIs) {
+  const std::string another = TemporaryFile("another", "");
+  const struct {
+    Words options, program;
+    std::string trace;
+    int status = 3;
+  } cases[] = {
+      {{}, {TRACED, "reads-property"}, R"(
+A getSimCustIntFeature("held", 1) = 6 from ""; asked SIM_, SIM_DEFAULT, COTA__, COTA_, ""
+)"},
+      {{}, {TRACED, "forks"}, R"(
+A getCustIntFeature("held", 1) = 5 from DEFAULT; asked DEFAULT
+B getCustIntFeature("nope", 2) = 2, the default; asked DEFAULT
+A getCustIntFeature("nope", 3) = 3, the default; asked DEFAULT
+)"},
+      {{"--steps"}, {TRACED, "asks-for-each-kind"}, R"(
+A getCustBooleanFeature("bool", false) = true from DEFAULT; asked DEFAULT
+    get_bool_from_map("DEFAULT", "bool", false) = true
+A getCustIntFeature("int", 1) = -2147483648 from DEFAULT; asked DEFAULT
+    get_int_from_map("DEFAULT", "int", 1) = -2147483648
+A getCustFloatFeature("float", -1.5) = 0.35 from DEFAULT; asked DEFAULT
+    get_float_from_map("DEFAULT", "float", -1.5) = 0.35
+A getCustStringFeature("no\u000a\u001f\"\\", "é\u007f") = "é\u007f", the default; asked DEFAULT
+    get_str_from_map("DEFAULT", "no\u000a\u001f\"\\", "é\u007f") = "é\u007f"
+A getCustStringArrayFeature("string-array") = ["a","","c"] from DEFAULT; asked DEFAULT
+    get_str_arr_from_map("DEFAULT", "string-array") = ["a","","c"]
+A getCustIntArrayFeature("none") = [] from DEFAULT; asked DEFAULT
+    get_int_arr_from_map("DEFAULT", "none") = []
+A getCustMapArrayFeature("map-array") = [["k","123456789"],["k",""],["",""]] from DEFAULT; asked DEFAULT
+    get_map_arr_from_map("DEFAULT", "map-array") = [["k","123456789"],["k",""],["",""]]
+A setSimCadrova("first", "second"); handed to SIM_DEFAULT, ""
+    cxx_sim_set_the_cadrova("SIM_DEFAULT", "first", "second")
+    GetProperty("persist.sys.cota.carrier", "") = ""
+    cxx_sim_set_the_cadrova("", "first", "second")
+)"},
+      {{"--summary"}, {TRACED, "forks"}, R"(
+A lookups: 1
+calls  by none  feature  kind  answered by  last value
+    1        1  nope     int                2
+B lookups: 2
+calls  by none  feature  kind  answered by  last value
+    1        0  held     int   DEFAULT 1    5
+    1        1  nope     int                3
+)"},
+      {{},
+       {TRACED, "is-killed"},
+       R"(
+A getCustIntFeature("held", 1) = 5 from DEFAULT; asked DEFAULT
+)",
+       128 + SIGTERM},
+      {{}, {TRACED, "has-another-standard-error", another}, R"(
+A getCustIntFeature("held", 1) = 5 from DEFAULT; asked DEFAULT
+)"},
+      // Of a function found by its name no more is known than what it asks.
+      {{}, {LOADING}, R"(
+A GetProperty("persist.sys.cota.carrier", "") = ""
+A sim_get_int_item_exist("SIM_", "held") = false
+A sim_get_int_item_exist("SIM_DEFAULT", "held") = false
+A getCotaRegionCustIntFeature("held", 4) = 6 from ""; asked COTA__, COTA_, ""
+A GetProperty("persist.sys.cota.carrier", "") = ""
+A sim_get_int_item_exist("SIM_", "held") = false
+A sim_get_int_item_exist("SIM_DEFAULT", "held") = false
+A getCotaRegionCustIntFeature("held", 4) = 6 from ""; asked COTA__, COTA_, ""
+)"},
+      {{"--summary"}, {LOADING}, R"(
+A lookups: 2; questions of lookups not known by name: 6
+calls  by none  feature  kind  answered by  last value
+    2        0  held     int   "" 2         6
+)"},
+  };
+  for (const auto& [options, program, trace, status] : cases) {
+    const Outcome alone = RunProgram(program, kSettings),
+                  traced = RunProgram(Traced(options, program), kSettings);
+    EXPECT_EQ('\n' + Lettered(traced.err), trace);
+    EXPECT_EQ(std::pair(traced.out, traced.status), std::pair(alone.out, status));
+    EXPECT_EQ(alone.status, status);
+  }
+  EXPECT_EQ(Contents(another), "");
+}
+
+TEST(Trace, NeitherTearsNorLosesALineOfAnyThread) {
+  const std::string file = TemporaryFile("trace", "to be emptied");
+  Expect(RunProgram(Traced({"-o", file}, {TRACED, "has-threads"}), kSettings), "", "", 3);
+  std::map<std::string, int> lines;
+  std::istringstream rest(Lettered(Contents(file)));
+  for (std::string line; std::getline(rest, line);) ++lines[line];
+  EXPECT_EQ(lines.size(), 500U);
+  for (int call = 0; call < 500; ++call) {
+    EXPECT_EQ(lines["A.T getCustIntFeature(\"held\", " + std::to_string(call) +
+                    ") = 5 from DEFAULT; asked DEFAULT"],
+              4);
+  }
+}
+
+TEST(Trace, EndsBeforeTheProgramWhereItsReaderHasGone) {
+  const std::string status = TemporaryFile("status", "");
+  const std::string script = R"({ "$@"; echo $? >"$0"; } 2>&1 | true)";
+  const Words piped = Words{"sh", "-c", script, status} + Traced({}, {TRACED, "has-threads"});
+  Expect(RunProgram(piped, kSettings), "", "");
+  EXPECT_EQ(Contents(status), "3\n");
+}
+
+TEST(Trace, SaysWhatCannotRun) {
+  const std::string text = TemporaryFile("not executable", "");
+  Expect(RunProgram(Traced({}, {"./nowhere"})), "",
+         "cadrova: './nowhere' can't be run: No such file or directory\n", 127);
+  Expect(RunProgram(Traced({}, {text})), "",
+         "cadrova: '" + text + "' can't be run: Permission denied\n", 126);
+}
+
+}  // namespace

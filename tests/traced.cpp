@@ -1,0 +1,56 @@
+// Programs whose lookups are traced: the argument says what they do, and they end with status 3.
+
+#include <android-base/properties.h>
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "cadrova/cadrova.h"
+
+using android::getCustIntFeature;
+
+int main(int, char** argv) {
+  const std::string what = argv[1];
+  errno = 0;
+  if (what == "asks-for-each-kind") {
+    android::getCustBooleanFeature("bool", false);
+    android::getCustIntFeature("int", 1);
+    android::getCustFloatFeature("float", -1.5F);
+    android::getCustStringFeature("no\n\x1F\"\\", "\xC3\xA9\x7F");
+    android::getCustStringArrayFeature("string-array");
+    android::getCustIntArrayFeature("none");
+    android::getCustMapArrayFeature("map-array");
+    android::setSimCadrova("first", "second");
+  } else if (what == "reads-property") {
+    android::base::GetProperty("its.own", "");
+    android::getSimCustIntFeature("held", 1);
+  } else if (what == "has-threads") {
+    std::vector<std::thread> threads;
+    for (int thread = 0; thread < 4; ++thread) {
+      threads.emplace_back([] {
+        for (int call = 0; call < 500; ++call) getCustIntFeature("held", call);
+      });
+    }
+    for (std::thread& thread : threads) thread.join();
+  } else if (what == "forks") {
+    getCustIntFeature("held", 1);
+    const pid_t child = fork();
+    if (child != 0) waitpid(child, nullptr, 0);
+    getCustIntFeature("nope", child == 0 ? 2 : 3);
+  } else if (what == "is-killed") {
+    getCustIntFeature("held", 1);
+    std::raise(SIGTERM);
+  } else if (what == "has-another-standard-error") {
+    close(STDERR_FILENO);
+    if (open(argv[2], O_WRONLY) != STDERR_FILENO) return 1;
+    getCustIntFeature("held", 1);
+  }
+  return errno == 0 ? 3 : 1;
+}

@@ -1,0 +1,234 @@
+// cadrova explain: why the library answers what it answers. It asks the library, listening, and the
+// core about each map of the whole chain, and so knows nothing of any family.
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <memory>
+#include <optional>
+#include <utility>
+
+#include "cadrova/host.h"
+#include "commands.h"
+#include "console.h"
+#include "file.h"
+#include "hearing.h"
+#include "json.h"
+#include "lookup/kind.h"
+#include "near.h"
+#include "question.h"
+
+// There where the core is the stand-in one, which can tell what it holds.
+namespace cadrova::host {
+[[gnu::weak]] Inventory TakeInventory();
+}
+
+using namespace cadrova::watch;
+
+namespace {
+
+// A map of the chain, and what it holds under the key.
+struct Place {
+  std::string map;
+  bool is_asked = false;
+  bool answers = false;
+  std::vector<std::string> kinds = {};
+  std::optional<Value> value = {};  // where it holds one of the kind that is asked for
+};
+
+// The core's test for the kind, of SIM data where it has one.
+template <class Kind>
+ExistenceTest* TestFor(bool is_sim) {
+  using Row = android::cadrova::Kind<Kind>;
+  if constexpr (requires { Row::exists_in_sim; }) {
+    if (is_sim) return Row::exists_in_sim;
+  }
+  return Row::exists;
+}
+
+// Each kind in turn, as `use` gets a value of it.
+template <std::size_t... indices>
+void ForEachKind(auto use, std::index_sequence<indices...>) {
+  (use(std::variant_alternative_t<indices, Value>()), ...);
+}
+
+Place Look(const Chain::Map& map, const Question& question) {
+  Place place{.map = map.name};
+  ForEachKind(
+      [&]<class Kind>(const Kind& kind) {
+        if (!Holds(TestFor<Kind>(map.is_sim), map.name, question.key)) return;
+        place.kinds.emplace_back(kKindNames[Value(kind).index()]);
+        if (const Kind* given = std::get_if<Kind>(&question.default_value)) {
+          if constexpr (kIsList<Kind>) {
+            place.value = android::cadrova::Kind<Kind>::read(map.name, question.key);
+          } else {
+            place.value = android::cadrova::Kind<Kind>::read(map.name, question.key, *given);
+          }
+        }
+      },
+      std::make_index_sequence<std::variant_size_v<Value>>());
+  return place;
+}
+
+std::vector<Place> LookAtAll(const Question& question, const Chain& asked) {
+  std::vector<Place> places;
+  const auto chain = HearAll(question.ask).chain.maps();
+  for (const Chain::Map& map : chain) {
+    Place& place = places.emplace_back(Look(map, question));
+    place.is_asked = places.size() <= asked.maps().size();
+    place.answers = places.size() == asked.maps().size() && asked.answered_by() != nullptr;
+  }
+  return places;
+}
+
+std::string Named(const std::string& name) {
+  std::string text;
+  AppendName(text, name);
+  return text;
+}
+
+std::string Joined(const std::vector<std::string>& names) {
+  std::string text;
+  for (const std::string& name : names) text += (text.empty() ? "" : ", ") + name;
+  return text;
+}
+
+// `text` in a colour, where a person reads it.
+std::string Coloured(const std::string& text, const char* colour) {
+  static const char* const unwanted = std::getenv("NO_COLOR");
+  static const bool is_wanted =
+      isatty(STDOUT_FILENO) != 0 && (unwanted == nullptr || *unwanted == '\0');
+  return is_wanted ? std::string("\x1B[") + colour + 'm' + text + "\x1B[0m" : text;
+}
+constexpr char kBold[] = "1", kGreen[] = "32", kYellow[] = "33";
+
+std::string Padded(std::string text, std::size_t width) {
+  text.resize(std::max(width, text.size()), ' ');
+  return text;
+}
+
+std::string Outcome(const Question& question, const Hearing& heard) {
+  const std::string value = ToText(heard.value);
+  if (const auto* map = heard.chain.answered_by()) return value + ", from " + Named(map->name);
+  return value + ", the default: no map holds " + Named(question.key) + " as " + question.kind();
+}
+
+std::string Holds(const Place& place, const Question& question) {
+  if (place.kinds.empty()) return "-";
+  return Joined(place.kinds) + (place.value ? "" : std::string(", not ") + question.kind());
+}
+
+std::string Table(const Question& question, const std::vector<Place>& places) {
+  std::size_t map_width = 12, holds_width = 7;
+  for (const Place& place : places) {
+    map_width = std::max(map_width, Named(place.map).size());
+    holds_width = std::max(holds_width, Holds(place, question).size());
+  }
+  const auto line = [&](const std::string& map, const std::string& holds,
+                        const std::string& value) {
+    std::string text = Padded(map, map_width) + "  " + Padded(holds, holds_width) + "  " + value;
+    return text.erase(text.find_last_not_of(' ') + 1);
+  };
+  std::string table = "  " + line("map", "holds", "value") + '\n';
+  for (const Place& place : places) {
+    const std::string text =
+        line(Named(place.map), Holds(place, question), place.value ? ToText(*place.value) : "");
+    const bool is_other = !place.kinds.empty() && !place.value;
+    table += (place.answers ? Coloured("> " + text, kGreen)
+              : is_other    ? Coloured("  " + text, kYellow)
+                            : "  " + text) +
+             '\n';
+  }
+  return table;
+}
+
+// Facts of one sort, one a line.
+std::string Facts(const std::string& sort, const std::vector<std::string>& facts) {
+  std::string lines;
+  for (const std::string& fact : facts) {
+    lines += Padded(lines.empty() ? sort : "", 12) + ' ' + cadrova::host::Printable(fact) + '\n';
+  }
+  return lines;
+}
+
+// The first few.
+std::vector<std::string> First(std::vector<std::string> facts) {
+  constexpr std::size_t kMost = 3;
+  if (facts.size() > kMost) {
+    const std::string rest = "and " + std::to_string(facts.size() - kMost) + " more";
+    facts.resize(kMost);
+    facts.push_back(rest);
+  }
+  return facts;
+}
+
+// What only the stand-in core can tell.
+std::string FactsOfTheFile(const Question& question, const std::vector<Place>& places) {
+  if (cadrova::host::TakeInventory == nullptr) return "";
+  const auto inventory = cadrova::host::TakeInventory();
+  std::vector<std::string> maps;
+  for (const Place& place : places) maps.push_back(place.map);
+  return Facts("data", {inventory.file}) +
+         Facts("not asked", First(Elsewhere(inventory.items, maps, question.key))) +
+         Facts("similar", First(Similar(inventory.items, maps, question.key)));
+}
+
+std::string AsText(const Question& question, const Hearing& heard) {
+  const auto places = LookAtAll(question, heard.chain);
+  std::vector<std::string> properties, lines;
+  for (const auto& [name, value] : heard.properties) {
+    properties.push_back(name + (value.empty() ? " is unset" : " = " + Named(value)));
+  }
+  if (!heard.printed.empty()) lines = {heard.printed.substr(0, heard.printed.size() - 1)};
+  return Coloured(Outcome(question, heard), kBold) + "\n\n" + Table(question, places) + '\n' +
+         Facts("properties", properties) + Facts("line", lines) + FactsOfTheFile(question, places);
+}
+
+Json AsJson(const Question& question, const Hearing& heard) {
+  Json json = {{"function", question.function}, {"key", question.key}, {"kind", question.kind()}};
+  std::visit(
+      [&]<class Kind>(const Kind&) {
+        if (!kIsList<Kind>) json["default"] = ToJson(question.default_value);
+      },
+      question.default_value);
+  json["value"] = ToJson(heard.value);
+  const auto* map = heard.chain.answered_by();
+  json["answered_by"] = map == nullptr ? Json() : Json(map->name);
+  json["line"] =
+      heard.printed.empty() ? Json() : Json(heard.printed.substr(0, heard.printed.size() - 1));
+  json["properties"] = heard.properties;
+  json["maps"] = Json::array();
+  for (const Place& place : LookAtAll(question, heard.chain)) {
+    json["maps"].push_back({{"map", place.map},
+                            {"asked", place.is_asked},
+                            {"holds", place.kinds},
+                            {"value", place.value ? ToJson(*place.value) : Json()}});
+  }
+  return json;
+}
+
+std::string AsSteps(const Hearing& heard) {
+  std::string lines;
+  for (const std::string& step : heard.steps) lines += step + '\n';
+  return lines;
+}
+
+}  // namespace
+
+void AddExplain(CLI::App& app) {
+  CLI::App& explain = *app.add_subcommand("explain", "Say why a feature has its value");
+  const auto arguments = std::make_shared<QuestionArguments>(explain);
+  const auto steps = std::make_shared<bool>(false), json = std::make_shared<bool>(false);
+  explain.add_flag("--json", *json, "Print one JSON object");
+  explain.add_flag("--steps", *steps, "Print what was asked, in order");
+  explain.footer("As: cadrova explain sim int calling.ring_seconds --region EU --carrier X1\n");
+  explain.callback([=] {
+    if (*json && *steps) Fail("--json and --steps exclude each other");
+    const Question question = arguments->Take();
+    const Hearing heard = Hear(question.ask);
+    Print(*steps  ? AsSteps(heard)
+          : *json ? ToLine(AsJson(question, heard))
+                  : AsText(question, heard));
+  });
+}

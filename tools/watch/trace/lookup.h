@@ -1,0 +1,48 @@
+// A lookup that a program makes, and what libcadrova_trace.so says of it.
+#pragma once
+
+#include <string>
+
+#include "chain.h"
+#include "json.h"
+#include "kinds.h"
+#include "watch.h"
+
+namespace cadrova::watch {
+
+// From before the lookup begins until its line is written, on one thread.
+class Lookup {
+ public:
+  Lookup(const char* function, const std::string& key, const auto&... default_value) : key_(key) {
+    line_.reserve(200);
+    AppendCall(line_, function, key, default_value...);
+    current = this;
+  }
+  Lookup(const Lookup&) = delete;
+  Lookup& operator=(const Lookup&) = delete;
+  ~Lookup() { current = nullptr; }
+
+  // The one that runs on this thread, or NULL. One that ends in another takes that in.
+  static inline thread_local Lookup* current = nullptr;
+
+  void Add(const Step& step);
+
+  template <class Kind>
+  void Returned(const Kind& value) {
+    std::string text;
+    AppendJson(text, value);
+    Finish(text, kKindNames[Value(std::in_place_type<Kind>).index()]);
+  }
+  void HandedOver();
+
+ private:
+  void Finish(const std::string& value, const char* kind);
+  std::string Maps() const;
+
+  std::string key_;
+  std::string line_;
+  std::string steps_;  // where they are shown
+  Chain chain_;
+};
+
+}  // namespace cadrova::watch
