@@ -23,8 +23,10 @@ void AddHelp(CLI::App& app) {
   const auto name = std::make_shared<std::string>();
   help.add_option("COMMAND", *name, "explain, get, trace or help")->type_name("");
   help.callback([=, &app] {
-    Print(name->empty() ? app.help("", CLI::AppFormatMode::All)
-                        : Command(app, *name).help(app.get_name()));
+    const CLI::App& command = name->empty() ? app : Command(app, *name);
+    Print(app.get_formatter()->make_help(
+        &command, name->empty() ? app.get_name() : app.get_name() + ' ' + *name,
+        CLI::AppFormatMode::Normal));
   });
 }
 
