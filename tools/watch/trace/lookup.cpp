@@ -12,12 +12,6 @@ namespace {
 
 using What = Step::What;
 
-std::string ToText(const Step& step) {
-  std::string text;
-  step.AppendTo(text);
-  return text;
-}
-
 // Programs read properties for their own ends too.
 bool IsLibrarys(const Step& step) {
   Dl_info asker;
@@ -29,41 +23,47 @@ bool IsLibrarys(const Step& step) {
 }  // namespace
 
 void Heard(Step& step) {
-  if (Lookup::current != nullptr) {
-    Lookup::current->Add(step);
-  } else if (IsLibrarys(step)) {
-    if (Shows("summary")) {
-      Summary::The().AddStep();
-    } else {
-      Output::The().Write(ToText(step));
-    }
-  }
+  if (Lookup::current != nullptr) return Lookup::current->Add(step);
+  if (!IsLibrarys(step)) return;
+  if (Shows("summary")) return Summary::The().AddStep();
+  std::string line = LineStart();
+  step.AppendTo(line);
+  Output::The().Write(line += '\n');
 }
 
 void Lookup::Add(const Step& step) {
-  if (Shows("steps")) steps_ += "\n    " + ToText(step);
+  if (Shows("steps")) {
+    steps_ += "    ";
+    step.AppendTo(steps_);
+    steps_ += '\n';
+  }
   chain_.Add(step);
 }
 
-std::string Lookup::Maps() const {
-  std::string names;
-  for (const Chain::Map& map : chain_.maps()) {
-    names += names.empty() ? "" : ", ";
-    AppendName(names, map.name);
+void Lookup::Finish(const char* kind, std::size_t value) {
+  const auto* map = chain_.answered_by();
+  std::string map_name;
+  if (map != nullptr) AppendName(map_name, map->name);
+  if (Shows("summary")) {
+    return Summary::The().AddLookup(key_, kind, map_name, line_.substr(value));
   }
-  return names;
-}
-
-void Lookup::Finish(const std::string& value, const char* kind) {
-  std::string map;
-  if (const auto* answered_by = chain_.answered_by()) AppendName(map, answered_by->name);
-  if (Shows("summary")) return Summary::The().AddLookup(key_, kind, map, value);
-  Output::The().Write(line_ + " = " + value + (map.empty() ? ", the default" : " from " + map) +
-                      "; asked " + Maps() + steps_);
+  line_ += map == nullptr ? ", the default" : " from " + map_name;
+  Write("; asked ");
 }
 
 void Lookup::HandedOver() {
-  if (!Shows("summary")) Output::The().Write(line_ + "; handed to " + Maps() + steps_);
+  if (!Shows("summary")) Write("; handed to ");
+}
+
+void Lookup::Write(const char* before_maps) {
+  line_ += before_maps;
+  const char* before = "";
+  for (const Chain::Map& map : chain_.maps()) {
+    line_ += std::exchange(before, ", ");
+    AppendName(line_, map.name);
+  }
+  line_ += '\n';
+  Output::The().Write(line_ += steps_);
 }
 
 }  // namespace cadrova::watch

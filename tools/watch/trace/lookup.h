@@ -6,6 +6,7 @@
 #include "chain.h"
 #include "json.h"
 #include "kinds.h"
+#include "output.h"
 #include "watch.h"
 
 namespace cadrova::watch {
@@ -14,7 +15,6 @@ namespace cadrova::watch {
 class Lookup {
  public:
   Lookup(const char* function, const std::string& key, const auto&... default_value) : key_(key) {
-    line_.reserve(200);
     AppendCall(line_, function, key, default_value...);
     current = this;
   }
@@ -29,18 +29,19 @@ class Lookup {
 
   template <class Kind>
   void Returned(const Kind& value) {
-    std::string text;
-    AppendJson(text, value);
-    Finish(text, kKindNames[Value(std::in_place_type<Kind>).index()]);
+    line_ += " = ";
+    const std::size_t start = line_.size();
+    AppendJson(line_, value);
+    Finish(kKindNames[Value(std::in_place_type<Kind>).index()], start);
   }
   void HandedOver();
 
  private:
-  void Finish(const std::string& value, const char* kind);
-  std::string Maps() const;
+  void Finish(const char* kind, std::size_t value);
+  void Write(const char* before_maps);
 
   std::string key_;
-  std::string line_;
+  std::string line_ = LineStart();
   std::string steps_;  // where they are shown
   Chain chain_;
 };

@@ -12,6 +12,8 @@
 #include <ctime>
 #include <string_view>
 
+#include "json.h"
+
 namespace cadrova::watch {
 namespace {
 
@@ -84,17 +86,25 @@ Output::Output() : descriptor_(Open()) {
       fstat(descriptor_, &status) == 0 && (S_ISFIFO(status.st_mode) || S_ISSOCK(status.st_mode));
 }
 
-void Output::Write(const std::string& text) const {
-  const int error = errno;
+std::string LineStart() {
+  std::string line;
+  line.reserve(200);
   const pid_t process = getpid(), thread = gettid();
-  std::string line = std::to_string(process);
-  if (thread != process) line += '.' + std::to_string(thread);
-  line += ' ' + text + '\n';
+  AppendJson(line, process);
+  if (thread != process) {
+    line += '.';
+    AppendJson(line, thread);
+  }
+  return line += ' ';
+}
+
+void Output::Write(const std::string& lines) const {
+  const int error = errno;
   if (has_reader_) {
     const BrokenPipeIgnored ignored;
-    WriteAll(descriptor_, line);
+    WriteAll(descriptor_, lines);
   } else {
-    WriteAll(descriptor_, line);
+    WriteAll(descriptor_, lines);
   }
   errno = error;
 }

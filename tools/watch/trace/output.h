@@ -10,6 +10,9 @@ namespace cadrova::watch {
 // What CADROVA_TRACE_SHOW asks for beyond a line a lookup, if it is set: "steps" or "summary".
 bool Shows(std::string_view what);
 
+// What each line begins with: the process and, but for the main one, the thread.
+std::string LineStart();
+
 class Output {
  public:
   // Never destroyed: threads may still ask while the process exits.
@@ -18,9 +21,9 @@ class Output {
     return output;
   }
 
-  // Writes `text` in one piece, in front of it the process and, but for the main one, the thread.
-  // Nothing of it is left in the program: no error, and no signal where the reader has gone.
-  void Write(const std::string& text) const;
+  // Writes `lines` in one piece. Nothing of it is left in the program: no error, and no signal
+  // where the reader has gone.
+  void Write(const std::string& lines) const;
 
  private:
   Output();

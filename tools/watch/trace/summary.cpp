@@ -63,7 +63,7 @@ void Summary::Write() {
   for (const auto& [calls, line] : lines) {
     for (std::size_t i = 0; i < widths.size(); ++i) widths[i] = std::max(widths[i], line[i].size());
   }
-  std::string text = "lookups: " + std::to_string(lookups);
+  std::string text = LineStart() + "lookups: " + std::to_string(lookups);
   if (steps_ != 0) text += "; questions of lookups not known by name: " + std::to_string(steps_);
   for (const auto& [calls, line] : lines) {
     text += '\n';
@@ -74,7 +74,7 @@ void Summary::Write() {
       if (!is_last) text += "  ";
     }
   }
-  Output::The().Write(text);
+  Output::The().Write(text += '\n');
 }
 
 namespace {
