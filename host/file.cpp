@@ -44,7 +44,7 @@ std::string Printable(std::string_view text) {
 
 void Stop(const Mistake& mistake) {
   std::fflush(stdout);
-  std::fprintf(stderr, "%s\n", ToString(mistake).c_str());
+  std::fprintf(stderr, "%s\n", Printable(ToString(mistake)).c_str());
   std::_Exit(2);
 }
 

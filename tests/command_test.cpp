@@ -121,9 +121,12 @@ TEST(Command, ExplainsWhichMistakeWasMade) {
       {"[COTA_EU_X1]\nring.seconds = 40", "not asked    COTA_EU_X1, almost COTA_X1_EU\n"},
       {"[cota_x1_eu]\nring.seconds = 40", "not asked    cota_x1_eu, almost COTA_X1_EU\n"},
       {"['COTA_X1_EU ']\nring.seconds = 40", "not asked    \"COTA_X1_EU \", almost COTA_X1_EU\n"},
-      {"[X1_EU]\nring.seconds = 40", "not asked    X1_EU\n"},
+      {"[COTA_1X_EU]\nring.seconds = 40\n[A.ring]\nseconds = 1",
+       "not asked    COTA_1X_EU\n             A\n"},
       {"[COTA_X1_EU]\nring.second = 40", "similar      ring.second in COTA_X1_EU\n"},
       {"[COTA_X1_EU]\nRing.Seconds = 40", "similar      Ring.Seconds in COTA_X1_EU\n"},
+      {"[COTA_X1_EU]\nring.secnods = 40\n[A]\nring.secnods = 40\n[B]\nrnig.seconds = 1",
+       "similar      ring.secnods in COTA_X1_EU and elsewhere\n             rnig.seconds in B\n"},
       {"[COTA_X1_EU.ring]\nring.seconds = 40", "similar      ring.ring.seconds in COTA_X1_EU\n"},
       {"[COTA_X1_EU]\nring.seconds = '40'", "\n  COTA_X1_EU    string, not int\n"},
       {"[COTA_X1_EU]\nring.seconds = 40.0", "\n  COTA_X1_EU    float, not int\n"},
@@ -165,7 +168,6 @@ ring = 40
 
 properties   persist.sys.cota.carrier = X1
              ro.orvel.region is unset
-             persist.sys.cota.carrier = X1
 line         getCotaRegionCustIntFeature exist with the carrier : 25 
 data         )" +
              kTemporaryFolder.path + R"(/explained.toml
@@ -273,14 +275,16 @@ TEST(Command, RefusesWithOneLineThatSaysWhy) {
       {"trace|--steps", "PROGRAM is required; see cadrova trace --help\n"},
       {"trace|--steps|--summary|--|true", "--steps and --summary exclude each other\n"},
       {"trace|-o|/nowhere/x|true", "cadrova: -o /nowhere/x: No such file or directory\n"},
-      {"get|default|float|k|inf|--json", "JSON has no inf\n"},
-      {"get|default|float|k|nan|--json", "JSON has no nan\n"},
+      {"get|default|float|k|inf|--json", "JSON has no inf; ask without --json\n"},
+      {"get|default|float|k|nan|--json", "JSON has no nan; ask without --json\n"},
       {"get|default|string|k|\xE9|--json",
-       "the value is not UTF-8, which JSON can't carry; ask without --json\n"},
+       "JSON can't carry what is not UTF-8; ask without --json\n"},
       {"get|sim|float|k", "the sim family has no float: SIM data holds none; ask carrier-region\n"},
       {"get|sim|string|k|x",
        "the sim family takes no default for a string: a missing one is empty\n"},
       {"get|sim|int|k|--sim|x", "--sim 'x' is no KEY=VALUE\n"},
+      {int_k + "|--data|", "cadrova: --data names no file\n"},
+      {int_k + "|--data|a\nb", "a?b: can't be read: No such file or directory\n"},
       {int_k + "|--data|/tmp", "/tmp: can't be read: Is a directory\n"},
       {int_k + "|--data|/proc/self/mem", "/proc/self/mem: can't be read: Input/output error\n"},
       {int_k + "|--data|" + huge, huge + ": can't be read: it is larger than 1 GiB\n"},

@@ -138,12 +138,27 @@ TEST(Trace, NeitherTearsNorLosesALineOfAnyThread) {
   }
 }
 
-TEST(Trace, EndsBeforeTheProgramWhereItsReaderHasGone) {
-  const std::string status = TemporaryFile("status", "");
-  const std::string script = R"({ "$@"; echo $? >"$0"; } 2>&1 | true)";
-  const Words piped = Words{"sh", "-c", script, status} + Traced({}, {TRACED, "has-threads"});
-  Expect(RunProgram(piped, kSettings), "", "");
-  EXPECT_EQ(Contents(status), "3\n");
+// The program is traced in a shell that finds the words of its command in "$@".
+TEST(Trace, TroublesNoProgramWhereItsLinesCannotGo) {
+  const std::string file = TemporaryFile("trace", ""), status = TemporaryFile("status", "");
+  const auto complaint = [](const std::string& what) {
+    return "libcadrova_trace.so: can't write to " + what + "; name another with CADROVA_TRACE\n";
+  };
+  const struct {
+    std::string script, to, err = "";
+  } cases[] = {
+      {R"({ "$@"; echo $? >"$0"; } 2>&1 | true)", "/dev/stderr"},
+      {R"("$@"; echo $? >"$0")", "/dev/full", complaint("/dev/full: No space left on device")},
+      {R"((ulimit -f 1; "$@"); echo $? >"$0")", file, complaint(file + ": File too large")},
+  };
+  for (const auto& [script, to, err] : cases) {
+    const Words program = Traced({"-o", to}, {TRACED, "has-threads"});
+    Expect(RunProgram(Words{"sh", "-c", script, status} + program, kSettings), "", err);
+    EXPECT_EQ(Contents(status), "3\n");
+  }
+  const Words piped = Traced({"-o", file + ".pipe"}, {TRACED, "forks"});
+  const std::string script = R"(ulimit -n 64; mkfifo "$0"; "$@" & wc -l <"$0")";
+  Expect(RunProgram(Words{"sh", "-c", script, file + ".pipe"} + piped, kSettings), "3\n", "");
 }
 
 TEST(Trace, SaysWhatCannotRun) {

@@ -22,9 +22,9 @@ void Require(bool succeeded, const std::string& what) {
 void OpenStandardStreams() {
   // The lowest descriptor that is free is the one that is missing. /dev/null is opened so that
   // reading from the one and writing to the other fails as they would.
-  for (const int mode : {O_WRONLY, O_RDONLY, O_WRONLY}) {
-    static int stream = 0;
-    if (fcntl(stream++, F_GETFD) < 0) open("/dev/null", mode | O_CLOEXEC);
+  constexpr int kModes[] = {O_WRONLY, O_RDONLY, O_WRONLY};
+  for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream) {
+    if (fcntl(stream, F_GETFD) < 0) open("/dev/null", kModes[stream] | O_CLOEXEC);
   }
 }
 

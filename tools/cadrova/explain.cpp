@@ -18,6 +18,7 @@
 #include "lookup/kind.h"
 #include "near.h"
 #include "question.h"
+#include "table.h"
 
 // There where the core is the stand-in one, which can tell what it holds.
 namespace cadrova::host {
@@ -73,19 +74,13 @@ Place Look(const Chain::Map& map, const Question& question) {
 
 std::vector<Place> LookAtAll(const Question& question, const Chain& asked) {
   std::vector<Place> places;
-  const auto chain = HearAll(question.ask).chain.maps();
+  const auto chain = HearWholeChain(question.ask).chain.maps();
   for (const Chain::Map& map : chain) {
     Place& place = places.emplace_back(Look(map, question));
     place.is_asked = places.size() <= asked.maps().size();
     place.answers = places.size() == asked.maps().size() && asked.answered_by() != nullptr;
   }
   return places;
-}
-
-std::string Named(const std::string& name) {
-  std::string text;
-  AppendName(text, name);
-  return text;
 }
 
 std::string Joined(const std::vector<std::string>& names) {
@@ -103,51 +98,42 @@ std::string Coloured(const std::string& text, const char* colour) {
 }
 constexpr char kBold[] = "1", kGreen[] = "32", kYellow[] = "33";
 
-std::string Padded(std::string text, std::size_t width) {
-  text.resize(std::max(width, text.size()), ' ');
-  return text;
-}
-
 std::string Outcome(const Question& question, const Hearing& heard) {
   const std::string value = ToText(heard.value);
   if (const auto* map = heard.chain.answered_by()) return value + ", from " + Named(map->name);
   return value + ", the default: no map holds " + Named(question.key) + " as " + question.kind();
 }
 
-std::string Holds(const Place& place, const Question& question) {
+std::string HeldKinds(const Place& place, const Question& question) {
   if (place.kinds.empty()) return "-";
   return Joined(place.kinds) + (place.value ? "" : std::string(", not ") + question.kind());
 }
 
 std::string Table(const Question& question, const std::vector<Place>& places) {
-  std::size_t map_width = 12, holds_width = 7;
+  std::vector<Row> rows = {{"map         ", "holds  ", "value"}};
   for (const Place& place : places) {
-    map_width = std::max(map_width, Named(place.map).size());
-    holds_width = std::max(holds_width, Holds(place, question).size());
+    rows.push_back(
+        {Named(place.map), HeldKinds(place, question), place.value ? ToText(*place.value) : ""});
   }
-  const auto line = [&](const std::string& map, const std::string& holds,
-                        const std::string& value) {
-    std::string text = Padded(map, map_width) + "  " + Padded(holds, holds_width) + "  " + value;
-    return text.erase(text.find_last_not_of(' ') + 1);
-  };
-  std::string table = "  " + line("map", "holds", "value") + '\n';
-  for (const Place& place : places) {
-    const std::string text =
-        line(Named(place.map), Holds(place, question), place.value ? ToText(*place.value) : "");
-    const bool is_other = !place.kinds.empty() && !place.value;
-    table += (place.answers ? Coloured("> " + text, kGreen)
-              : is_other    ? Coloured("  " + text, kYellow)
-                            : "  " + text) +
-             '\n';
+  const auto lines = Aligned(rows);
+  std::string table = "  " + lines[0] + '\n';
+  for (std::size_t i = 0; i < places.size(); ++i) {
+    const std::string& line = lines[i + 1];
+    const bool is_other = !places[i].kinds.empty() && !places[i].value;
+    table += places[i].answers ? Coloured("> " + line, kGreen)
+             : is_other        ? Coloured("  " + line, kYellow)
+                               : "  " + line;
+    table += '\n';
   }
   return table;
 }
 
 // Facts of one sort, one a line.
-std::string Facts(const std::string& sort, const std::vector<std::string>& facts) {
+std::string Facts(std::string sort, const std::vector<std::string>& facts) {
   std::string lines;
   for (const std::string& fact : facts) {
-    lines += Padded(lines.empty() ? sort : "", 12) + ' ' + cadrova::host::Printable(fact) + '\n';
+    sort.resize(12, ' ');
+    lines += std::exchange(sort, "") + ' ' + cadrova::host::Printable(fact) + '\n';
   }
   return lines;
 }
@@ -178,7 +164,8 @@ std::string AsText(const Question& question, const Hearing& heard) {
   const auto places = LookAtAll(question, heard.chain);
   std::vector<std::string> properties, lines;
   for (const auto& [name, value] : heard.properties) {
-    properties.push_back(name + (value.empty() ? " is unset" : " = " + Named(value)));
+    const std::string text = name + (value.empty() ? " is unset" : " = " + Named(value));
+    if (std::ranges::find(properties, text) == properties.end()) properties.push_back(text);
   }
   if (!heard.printed.empty()) lines = {heard.printed.substr(0, heard.printed.size() - 1)};
   return Coloured(Outcome(question, heard), kBold) + "\n\n" + Table(question, places) + '\n' +

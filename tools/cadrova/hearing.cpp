@@ -43,7 +43,7 @@ void cadrova::watch::Heard(Step& step) {
 }
 
 Hearing Hear(const std::function<Value()>& ask) { return Hear(ask, false); }
-Hearing HearAll(const std::function<Value()>& ask) { return Hear(ask, true); }
+Hearing HearWholeChain(const std::function<Value()>& ask) { return Hear(ask, true); }
 
 void OverrideProperty(const std::string& key, const std::string& value) {
   Overrides().insert_or_assign(key, value);

@@ -21,7 +21,7 @@ struct Hearing {
 Hearing Hear(const std::function<Value()>& ask);
 
 // Asks, listening, while every existence test is answered no: the whole chain is heard.
-Hearing HearAll(const std::function<Value()>& ask);
+Hearing HearWholeChain(const std::function<Value()>& ask);
 
 // From now on the property reads as `value`, in the library too; empty is unset. This works in
 // front of any store, and so for properties that can't be set.

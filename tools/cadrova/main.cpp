@@ -52,7 +52,9 @@ int main(int argc, char** argv) {
   } catch (const CLI::ParseError& error) {
     for (const CLI::App* command : app.get_subcommands()) used += ' ' + command->get_name();
     std::string what = error.what();
-    if (what.find(": -") != std::string::npos) what += "; what is no option stands behind --";
+    const bool is_surplus = dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr;
+    if (is_surplus && what.find(": -") != std::string::npos)
+      what += "; what is no option stands behind --";
     if (error.get_exit_code() != 0) Fail(what + "; see " + used + " --help");
     std::ostringstream text;
     app.exit(error, text);

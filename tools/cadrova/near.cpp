@@ -2,13 +2,14 @@
 
 #include <algorithm>
 #include <cctype>
+#include <map>
 #include <numeric>
 #include <string_view>
-#include <tuple>
+#include <utility>
 
 #include "json.h"
 
-using cadrova::watch::AppendName;
+using cadrova::watch::Named;
 
 namespace {
 
@@ -18,24 +19,42 @@ std::string InLowerCase(const std::string& text) {
   return lower;
 }
 
-// Its letters and digits alone, whatever their case and order.
+// Its words, whatever their case and order and what divides them.
 std::string Folded(const std::string& name) {
-  std::string folded = InLowerCase(name);
-  std::erase_if(folded, [](unsigned char byte) { return std::isalnum(byte) == 0; });
-  std::ranges::sort(folded);
+  std::vector<std::string> words(1);
+  for (const char byte : InLowerCase(name)) {
+    const auto code = static_cast<unsigned char>(byte);
+    if (code < 0x80 && std::isalnum(code) == 0) {
+      words.emplace_back();
+    } else {
+      words.back() += byte;
+    }
+  }
+  std::ranges::sort(words);
+  std::string folded;
+  for (const std::string& word : words) folded += word.empty() ? "" : word + ' ';
   return folded;
 }
 
-// How many bytes must be put in, taken out or changed to make one of the other.
+bool IsAlmost(const std::string& one, const std::string& other) {
+  const std::string folded = Folded(one);
+  return !folded.empty() && folded == Folded(other);
+}
+
+// How many bytes must be put in, taken out, changed or swapped with the next to make one of the
+// other.
 std::size_t Distance(std::string_view one, std::string_view other) {
-  std::vector<std::size_t> row(other.size() + 1);
+  std::vector<std::size_t> row(other.size() + 1), last = row, before_last = row;
   std::iota(row.begin(), row.end(), std::size_t{0});
   for (std::size_t i = 0; i < one.size(); ++i) {
-    std::size_t diagonal = std::exchange(row[0], i + 1);
+    before_last.swap(last);
+    last.swap(row);
+    row[0] = i + 1;
     for (std::size_t j = 0; j < other.size(); ++j) {
-      const std::size_t change = diagonal + (one[i] == other[j] ? 0 : 1);
-      diagonal = row[j + 1];
-      row[j + 1] = std::min({change, diagonal + 1, row[j] + 1});
+      row[j + 1] = std::min({last[j] + (one[i] == other[j] ? 0 : 1), last[j + 1] + 1, row[j] + 1});
+      if (i > 0 && j > 0 && one[i] == other[j - 1] && one[i - 1] == other[j]) {
+        row[j + 1] = std::min(row[j + 1], before_last[j - 1] + 1);
+      }
     }
   }
   return row.back();
@@ -47,50 +66,51 @@ std::size_t DistanceOfKeys(const std::string& one, const std::string& other) {
   return a.ends_with('.' + b) || b.ends_with('.' + a) ? 1 : Distance(a, b);
 }
 
-std::string Name(const std::string& name) {
-  std::string text;
-  AppendName(text, name);
-  return text;
-}
-
 // The last part of each, sorted.
 template <class Rank>
 std::vector<std::string> Texts(std::vector<std::pair<Rank, std::string>> ranked) {
   std::ranges::sort(ranked);
-  std::vector<std::string> texts;
-  for (auto& [rank, text] : ranked) texts.push_back(std::move(text));
+  std::vector<std::string> texts(ranked.size());
+  std::ranges::transform(ranked, texts.begin(), &std::pair<Rank, std::string>::second);
   return texts;
 }
 
 }  // namespace
 
-std::vector<std::string> Elsewhere(const std::vector<std::pair<std::string, std::string>>& items,
-                                   const std::vector<std::string>& maps, const std::string& key) {
-  std::vector<std::pair<std::size_t, std::string>> ranked;
+std::vector<std::string> Elsewhere(const Items& items, const std::vector<std::string>& maps,
+                                   const std::string& key) {
+  std::vector<std::pair<std::pair<bool, std::size_t>, std::string>> ranked;
   for (const auto& [map, item_key] : items) {
     if (item_key != key || std::ranges::find(maps, map) != maps.end()) continue;
-    std::size_t rank = map.size() + key.size();
-    std::string text = Name(map);
+    std::pair<bool, std::size_t> rank = {true, std::string::npos};
+    std::string almost;
     for (const std::string& asked : maps) {
-      if (Folded(asked) == Folded(map)) {
-        rank = 0;
-        text = Name(map) + ", almost " + Name(asked);
-      }
-      rank = std::min(rank, Distance(map, asked));
+      const std::pair candidate(!IsAlmost(map, asked), Distance(map, asked));
+      if (candidate < rank && !candidate.first) almost = ", almost " + Named(asked);
+      rank = std::min(rank, candidate);
     }
-    ranked.emplace_back(rank, text);
+    ranked.emplace_back(rank, Named(map) + almost);
   }
   return Texts(std::move(ranked));
 }
 
-std::vector<std::string> Similar(const std::vector<std::pair<std::string, std::string>>& items,
-                                 const std::vector<std::string>& maps, const std::string& key) {
-  std::vector<std::pair<std::pair<std::size_t, std::ptrdiff_t>, std::string>> ranked;
+std::vector<std::string> Similar(const Items& items, const std::vector<std::string>& maps,
+                                 const std::string& key) {
+  // Where each key is, those of `maps` first.
+  std::map<std::string, std::vector<std::pair<std::ptrdiff_t, std::string>>> places;
   for (const auto& [map, item_key] : items) {
-    const std::size_t distance = DistanceOfKeys(item_key, key);
-    if (item_key == key || distance > key.size() / 5) continue;
-    const auto place = std::ranges::find(maps, map) - maps.begin();
-    ranked.push_back({{distance, place}, Name(item_key) + " in " + Name(map)});
+    places[item_key].emplace_back(std::ranges::find(maps, map) - maps.begin(), map);
+  }
+  places.erase(key);
+  const std::size_t most = key.size() < 3 ? 0 : std::max<std::size_t>(1, key.size() / 5);
+  std::vector<std::pair<std::pair<std::size_t, std::ptrdiff_t>, std::string>> ranked;
+  for (const auto& [other, holders] : places) {
+    const std::size_t distance = DistanceOfKeys(other, key);
+    if (distance > most) continue;
+    const auto& [place, map] = *std::ranges::min_element(holders);
+    ranked.push_back(
+        {{distance, place},
+         Named(other) + " in " + Named(map) + (holders.size() == 1 ? "" : " and elsewhere")});
   }
   return Texts(std::move(ranked));
 }

@@ -5,12 +5,14 @@
 #include <utility>
 #include <vector>
 
-// Of `items`, (map, key) pairs, those under `key` in maps that are none of `maps`, the most alike
-// first; said of each is whether its map is one of these but for case, order and signs.
-std::vector<std::string> Elsewhere(const std::vector<std::pair<std::string, std::string>>& items,
-                                   const std::vector<std::string>& maps, const std::string& key);
+// The map and key of each.
+using Items = std::vector<std::pair<std::string, std::string>>;
 
-// Of `items`, those whose keys are almost `key`, the most alike first, and of equals those in
-// `maps`.
-std::vector<std::string> Similar(const std::vector<std::pair<std::string, std::string>>& items,
-                                 const std::vector<std::string>& maps, const std::string& key);
+// The maps that are none of `maps` and hold `key`, the most alike first; said of each is which of
+// these it is but for case, order and signs.
+std::vector<std::string> Elsewhere(const Items& items, const std::vector<std::string>& maps,
+                                   const std::string& key);
+
+// The keys that are almost `key`, the most alike first, and of equals those in `maps`.
+std::vector<std::string> Similar(const Items& items, const std::vector<std::string>& maps,
+                                 const std::string& key);

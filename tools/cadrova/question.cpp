@@ -147,6 +147,7 @@ Question QuestionArguments::Take() const {
   RefuseWhatTheFamilyLacks(family, kind, default_.has_value());
   const Value default_value = default_ ? ParseDefault(*default_, kind.zero) : kind.zero;
   if (data_) {
+    if (data_->empty()) Fail("--data names no file");
     if (cadrova::host::AnswerFromFile == nullptr) {
       Fail("--data: this parser core reads no file of ours");
     }

@@ -20,16 +20,21 @@ std::string Reason() { return std::generic_category().message(errno); }
 // What the loader is told to load first. It takes a blank or a colon for the end of a path.
 std::string Preload() {
   const auto command = std::filesystem::read_symlink("/proc/self/exe").parent_path();
-  const std::string path = (command / CADROVA_TRACE_LIBRARY).lexically_normal();
+  std::string path = (command / CADROVA_TRACE_LIBRARY).lexically_normal();
   const int library = open(path.c_str(), O_RDONLY | O_CLOEXEC);
   if (library < 0) Fail(path + ": " + Reason() + "; it is installed along with this command");
   if (path.find_first_of(" :") == std::string::npos) return path;
-  return "/proc/self/fd/" + std::to_string(fcntl(library, F_DUPFD, 900));
+  const int kept = fcntl(library, F_DUPFD, 100);  // where few programs would meet it
+  if (kept < 0) Fail(path + ": " + Reason());
+  return "/proc/self/fd/" + std::to_string(kept);
 }
 
-// Makes FILE empty, and its name one that stays right wherever the program goes.
+// Makes FILE empty, and its name one that stays right wherever the program goes. The descriptor
+// goes when the program begins; a pipe would end there for its reader, and needs no emptying.
 std::string Emptied(const std::string& file) {
-  if (open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666) < 0) {
+  std::error_code unknown;
+  if (!std::filesystem::is_fifo(file, unknown) &&
+      open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666) < 0) {
     Fail("-o " + file + ": " + Reason());
   }
   return std::filesystem::absolute(file);
@@ -45,6 +50,7 @@ void Set(const char* variable, const std::string& value) {
 
 [[noreturn]] void Become(std::vector<std::string> words) {
   std::vector<char*> arguments;
+  arguments.reserve(words.size() + 1);
   for (std::string& word : words) arguments.push_back(word.data());
   arguments.push_back(nullptr);
   execvp(arguments[0], arguments.data());

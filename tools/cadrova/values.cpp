@@ -76,7 +76,9 @@ std::string ToText(const Value& value) {
 
 Json ToJson(const Value& value) {
   const auto* number = std::get_if<float>(&value);
-  if (number != nullptr && !std::isfinite(*number)) Fail("JSON has no " + ToPlain(*number));
+  if (number != nullptr && !std::isfinite(*number)) {
+    Fail("JSON has no " + ToPlain(*number) + "; ask without --json");
+  }
   return std::visit([](const auto& answer) { return Json(answer); }, value);
 }
 
@@ -84,6 +86,6 @@ std::string ToLine(const Json& json) {
   try {
     return json.dump() + '\n';
   } catch (const Json::exception&) {
-    Fail("the value is not UTF-8, which JSON can't carry; ask without --json");
+    Fail("JSON can't carry what is not UTF-8; ask without --json");
   }
 }

@@ -144,4 +144,10 @@ inline void AppendName(std::string& text, const std::string& name) {
   }
 }
 
+inline std::string Named(const std::string& name) {
+  std::string text;
+  AppendName(text, name);
+  return text;
+}
+
 }  // namespace cadrova::watch

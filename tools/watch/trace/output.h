@@ -2,6 +2,7 @@
 // that the process began with.
 #pragma once
 
+#include <atomic>
 #include <string>
 #include <string_view>
 
@@ -16,20 +17,24 @@ std::string LineStart();
 class Output {
  public:
   // Never destroyed: threads may still ask while the process exits.
-  static const Output& The() {
-    static const Output& output = *new Output;
+  static Output& The() {
+    static Output& output = *new Output;
     return output;
   }
 
-  // Writes `lines` in one piece. Nothing of it is left in the program: no error, and no signal
-  // where the reader has gone.
-  void Write(const std::string& lines) const;
+  // Writes `lines` in one piece. Nothing of it is left in the program: no error and no signal. The
+  // first failure is said on the standard error that the process began with.
+  void Write(const std::string& lines);
 
  private:
   Output();
+  void Complain(int error);
 
+  const int standard_error_;
   int descriptor_;
-  bool has_reader_;
+  int signal_;  // that a write may raise, or 0
+  std::string path_ = "standard error";
+  std::atomic_flag has_complained_;
 };
 
 }  // namespace cadrova::watch

@@ -3,11 +3,12 @@
 #include <pthread.h>
 
 #include <algorithm>
-#include <array>
+#include <functional>
 #include <vector>
 
 #include "json.h"
 #include "output.h"
+#include "table.h"
 
 namespace cadrova::watch {
 
@@ -37,43 +38,30 @@ void Summary::AddStep() {
 
 void Summary::Write() {
   const std::lock_guard lock(mutex_);
-  using Line = std::array<std::string, 6>;
-  std::vector<std::pair<long, Line>> lines;
+  std::vector<std::pair<long, Row>> rows;
   long lookups = 0;
   for (const auto& [name, feature] : features_) {
-    std::string key, maps, none = "0";
-    AppendName(key, name.first);
+    const auto& [key, kind] = name;
+    std::string maps, by_none = "0";
     for (const auto& [map, count] : feature.answers) {
       if (map.empty()) {
-        none = std::to_string(count);
+        by_none = std::to_string(count);
       } else {
         maps += (maps.empty() ? "" : ", ") + map + ' ' + std::to_string(count);
       }
     }
-    lines.push_back(
+    rows.push_back(
         {feature.calls,
-         {std::to_string(feature.calls), none, key, name.second, maps, feature.last_value}});
+         {std::to_string(feature.calls), by_none, Named(key), kind, maps, feature.last_value}});
     lookups += feature.calls;
   }
   if (lookups + steps_ == 0) return;
-  std::ranges::stable_sort(lines, std::greater(), &std::pair<long, Line>::first);
-  lines.insert(lines.begin(),
-               {0, {"calls", "by none", "feature", "kind", "answered by", "last value"}});
-  std::array<std::size_t, 6> widths = {};
-  for (const auto& [calls, line] : lines) {
-    for (std::size_t i = 0; i < widths.size(); ++i) widths[i] = std::max(widths[i], line[i].size());
-  }
+  std::ranges::stable_sort(rows, std::greater(), &std::pair<long, Row>::first);
+  std::vector<Row> table = {{"calls", "by none", "feature", "kind", "answered by", "last value"}};
+  for (auto& [calls, row] : rows) table.push_back(std::move(row));
   std::string text = LineStart() + "lookups: " + std::to_string(lookups);
   if (steps_ != 0) text += "; questions of lookups not known by name: " + std::to_string(steps_);
-  for (const auto& [calls, line] : lines) {
-    text += '\n';
-    for (std::size_t i = 0; i < widths.size(); ++i) {
-      const std::string blanks(widths[i] - line[i].size(), ' ');
-      const bool is_last = i + 1 == widths.size();
-      text += i < 2 ? blanks + line[i] : line[i] + (is_last ? "" : blanks);
-      if (!is_last) text += "  ";
-    }
-  }
+  for (const std::string& line : Aligned(table, 2)) text += '\n' + line;
   Output::The().Write(text += '\n');
 }
 
