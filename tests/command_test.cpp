@@ -246,7 +246,8 @@ TEST(Command, RefusesWithOneLineThatSaysWhy) {
   const std::string int_k = "get|default|int|k", region_k = "get|region|int|k";
   const std::string store = "CADROVA_HOST_PROPS=";
   const struct {
-    std::string line, what, setting = "A=", out_file = "";
+    std::string line, what, setting = "A=";
+    const char* out_file = "";
   } cases[] = {
       // clang-format off
       {"nope", "cadrova: 'nope' is no command; use one of: explain, get, trace, help\n"},

@@ -145,9 +145,9 @@ TEST(Trace, TroublesNoProgramWhereItsLinesCannotGo) {
     return "libcadrova_trace.so: can't write to " + what + "; name another with CADROVA_TRACE\n";
   };
   const struct {
-    std::string script, to, err = "";
+    std::string script, to, err;
   } cases[] = {
-      {R"({ "$@"; echo $? >"$0"; } 2>&1 | true)", "/dev/stderr"},
+      {R"({ "$@"; echo $? >"$0"; } 2>&1 | true)", "/dev/stderr", ""},
       {R"("$@"; echo $? >"$0")", "/dev/full", complaint("/dev/full: No space left on device")},
       {R"((ulimit -f 1; "$@"); echo $? >"$0")", file, complaint(file + ": File too large")},
   };

@@ -54,6 +54,7 @@ class Customization {
   // The name of every item.
   std::vector<std::pair<std::string, std::string>> Names() const {
     std::vector<std::pair<std::string, std::string>> names;
+    names.reserve(items_.size());
     for (const auto& [name, item] : items_) names.emplace_back(name.map, name.key);
     return names;
   }

@@ -34,8 +34,8 @@ struct Place {
   std::string map;
   bool is_asked = false;
   bool answers = false;
-  std::vector<std::string> kinds = {};
-  std::optional<Value> value = {};  // where it holds one of the kind that is asked for
+  std::vector<std::string> kinds;
+  std::optional<Value> value;  // where it holds one of the kind that is asked for
 };
 
 // The core's test for the kind, of SIM data where it has one.
@@ -55,7 +55,8 @@ void ForEachKind(auto use, std::index_sequence<indices...>) {
 }
 
 Place Look(const Chain::Map& map, const Question& question) {
-  Place place{.map = map.name};
+  Place place;
+  place.map = map.name;
   ForEachKind(
       [&]<class Kind>(const Kind& kind) {
         if (!Holds(TestFor<Kind>(map.is_sim), map.name, question.key)) return;
@@ -153,8 +154,8 @@ std::vector<std::string> First(std::vector<std::string> facts) {
 std::string FactsOfTheFile(const Question& question, const std::vector<Place>& places) {
   if (cadrova::host::TakeInventory == nullptr) return "";
   const auto inventory = cadrova::host::TakeInventory();
-  std::vector<std::string> maps;
-  for (const Place& place : places) maps.push_back(place.map);
+  std::vector<std::string> maps(places.size());
+  std::ranges::transform(places, maps.begin(), &Place::map);
   return Facts("data", {inventory.file}) +
          Facts("not asked", First(Elsewhere(inventory.items, maps, question.key))) +
          Facts("similar", First(Similar(inventory.items, maps, question.key)));

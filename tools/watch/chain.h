@@ -19,11 +19,11 @@ class Chain {
     using What = Step::What;
     if (step.what == What::kProperty || is_answered_) return;
     maps_.push_back({step.name, step.what == What::kSimTest});
-    if (step.what == What::kHandOver) return;
+    if (step.exists != nullptr) is_held_ = android::cadrova::IsYes(*step.exists);
     // The last resort is read without a test.
-    is_held_ = step.what == What::kRead ? Holds(step.test_of_kind, step.name, step.key)
-                                        : android::cadrova::IsYes(*step.exists);
-    is_answered_ = is_held_ || step.what == What::kRead;
+    const bool is_read = step.what == What::kRead;
+    if (is_read) is_held_ = Holds(step.test_of_kind, step.name, step.key);
+    is_answered_ = is_held_ || is_read;
   }
 
   const std::vector<Map>& maps() const { return maps_; }
