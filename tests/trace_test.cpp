@@ -145,14 +145,16 @@ TEST(Trace, TroublesNoProgramWhereItsLinesCannotGo) {
     return "libcadrova_trace.so: can't write to " + what + "; name another with CADROVA_TRACE\n";
   };
   const struct {
-    std::string script, to, err;
+    std::string what, script, to, err;
   } cases[] = {
-      {R"({ "$@"; echo $? >"$0"; } 2>&1 | true)", "/dev/stderr", ""},
-      {R"("$@"; echo $? >"$0")", "/dev/full", complaint("/dev/full: No space left on device")},
-      {R"((ulimit -f 1; "$@"); echo $? >"$0")", file, complaint(file + ": File too large")},
+      {"has-threads", R"({ "$@"; echo $? >"$0"; } 2>&1 | true)", "/dev/stderr", ""},
+      {"has-threads", R"("$@"; echo $? >"$0")", "/dev/full",
+       complaint("/dev/full: No space left on device")},
+      {"asks-at-length", R"((ulimit -f 1200; "$@"); echo $? >"$0")", file,
+       complaint(file + ": File too large")},
   };
-  for (const auto& [script, to, err] : cases) {
-    const Words program = Traced({"-o", to}, {TRACED, "has-threads"});
+  for (const auto& [what, script, to, err] : cases) {
+    const Words program = Traced({"-o", to}, {TRACED, what});
     Expect(RunProgram(Words{"sh", "-c", script, status} + program, kSettings), "", err);
     EXPECT_EQ(Contents(status), "3\n");
   }

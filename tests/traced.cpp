@@ -39,6 +39,8 @@ int main(int, char** argv) {
       });
     }
     for (std::thread& thread : threads) thread.join();
+  } else if (what == "asks-at-length") {
+    android::getCustStringFeature("nope", std::string(std::size_t{1} << 20U, 'x'));
   } else if (what == "forks") {
     getCustIntFeature("held", 1);
     const pid_t child = fork();
