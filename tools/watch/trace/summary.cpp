@@ -61,7 +61,9 @@ void Summary::Write() {
   for (auto& [calls, row] : rows) table.push_back(std::move(row));
   std::string text = LineStart() + "lookups: " + std::to_string(lookups);
   if (steps_ != 0) text += "; questions of lookups not known by name: " + std::to_string(steps_);
-  for (const std::string& line : Aligned(table, 2)) text += '\n' + line;
+  if (lookups != 0) {
+    for (const std::string& line : Aligned(table, 2)) text += '\n' + line;
+  }
   Output::The().Write(text += '\n');
 }
 
