@@ -159,7 +159,7 @@ TEST(Trace, TroublesNoProgramWhereItsLinesCannotGo) {
     EXPECT_EQ(Contents(status), "3\n");
   }
   const Words piped = Traced({"-o", file + ".pipe"}, {TRACED, "forks"});
-  const std::string script = R"(ulimit -n 64; mkfifo "$0"; "$@" & wc -l <"$0")";
+  const std::string script = R"(ulimit -n 64; mkfifo "$0"; "$@" & timeout 60 wc -l <"$0")";
   Expect(RunProgram(Words{"sh", "-c", script, file + ".pipe"} + piped, kSettings), "3\n", "");
 }
 

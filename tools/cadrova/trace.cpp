@@ -24,7 +24,7 @@ std::string Preload() {
   const int library = open(path.c_str(), O_RDONLY | O_CLOEXEC);
   if (library < 0) Fail(path + ": " + Reason() + "; it is installed along with this command");
   if (path.find_first_of(" :") == std::string::npos) return path;
-  const int kept = fcntl(library, F_DUPFD, 100);  // where few programs would meet it
+  const int kept = fcntl(library, F_DUPFD, 32);  // where few programs would meet it
   if (kept < 0) Fail(path + ": " + Reason());
   return "/proc/self/fd/" + std::to_string(kept);
 }
