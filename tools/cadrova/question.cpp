@@ -64,19 +64,19 @@ const Family kFamilies[] = {
 };
 
 struct Kind {
-  const char* name;
   const char* word;  // in the names of functions
   Value zero;        // stands in where no default is given
+  const char* name = kKindNames[zero.index()];
 };
 
 const Kind kKinds[] = {
-    {"bool", "Boolean", false},
-    {"int", "Int", 0},
-    {"float", "Float", 0.0F},
-    {"string", "String", std::string()},
-    {"string-array", "StringArray", StringArray()},
-    {"int-array", "IntArray", IntArray()},
-    {"map-array", "MapArray", MapArray()},
+    {"Boolean", false},
+    {"Int", 0},
+    {"Float", 0.0F},
+    {"String", std::string()},
+    {"StringArray", StringArray()},
+    {"IntArray", IntArray()},
+    {"MapArray", MapArray()},
 };
 
 const auto& FindByName(const auto& table, const std::string& what, const std::string& name) {
