@@ -250,7 +250,7 @@ TEST(Command, RefusesWithOneLineThatSaysWhy) {
     const char* out_file = "";
   } cases[] = {
       // clang-format off
-      {"nope", "cadrova: 'nope' is no command; use one of: explain, get, trace, help\n"},
+      {"nope", "cadrova: 'nope' is no command; use one of: explain, get, list, matrix, diff, check, trace, help\n"},
       {"", "cadrova: '' is no command"}, {"help|nope", "'nope' is no command"},
       {"--nope", "--nope; what is no option stands behind --; see cadrova --help\n"},
       {"get|default|int", "KEY is required; see cadrova get --help\n"},
@@ -320,7 +320,8 @@ TEST(Command, RefusesWithOneLineThatSaysWhy) {
 // The words in `text` that name a command or a long option.
 std::set<std::string> CommandsAndOptions(const std::string& text) {
   std::set<std::string> words;
-  const std::regex word("(^|[^a-z-])(--[a-z]+|explain|get|trace|help)(?![a-z-])");
+  const std::regex word(
+      "(^|[^a-z-])(--[a-z]+|explain|get|list|matrix|diff|check|trace|help)(?![a-z-])");
   for (std::sregex_iterator found(text.begin(), text.end(), word), end; found != end; ++found) {
     words.insert((*found)[2]);
   }
@@ -330,7 +331,7 @@ std::set<std::string> CommandsAndOptions(const std::string& text) {
 TEST(Command, HelpsAsTheReadmeTheManualAndTheShellsDo) {
   const std::string sources = CADROVA_SOURCES, readme = Contents(sources + "/README.md");
   std::string all;
-  for (const std::string command : {"", "explain", "get", "trace", "help"}) {
+  for (const std::string command : {"", "explain", "get", "list", "matrix", "diff", "check", "trace", "help"}) {
     const auto [out, err, status] = Cadrova(command.empty() ? "--help" : command + "|--help");
     if (command != "help") {
       const std::string help = "--help\n" + out.substr(0, out.find_last_not_of('\n') + 1) + "\n```";

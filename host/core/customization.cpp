@@ -19,8 +19,13 @@ namespace cadrova::host {
 namespace {
 
 // A mistake is reported in one line, whatever bytes it quotes.
+Inventory::Place ToPlace(const toml::source_position& position) {
+  return {static_cast<int>(position.line), static_cast<int>(position.column)};
+}
+
 Mistake At(const toml::source_position& position, std::string_view what) {
-  return {"", static_cast<int>(position.line), static_cast<int>(position.column), Printable(what)};
+  const auto [line, column] = ToPlace(position);
+  return {"", line, column, Printable(what)};
 }
 
 Mistake At(const toml::node& node, std::string_view what) { return At(node.source().begin, what); }
@@ -113,7 +118,7 @@ std::optional<Mistake> Collect(const toml::table& table, const std::string& pref
     }
     Outcome<Item> outcome = ToItem(node);
     if (auto* mistake = std::get_if<Mistake>(&outcome)) return std::move(*mistake);
-    into.Set(map, key, std::move(std::get<Item>(outcome)));
+    into.Set(map, key, std::move(std::get<Item>(outcome)), ToPlace(name.source().begin));
   }
   return std::nullopt;
 }
@@ -136,6 +141,7 @@ Outcome<Customization> ToCustomization(std::string_view toml) {
                 std::string(name.str()) + " stands outside every map; put it below a [MAP] line");
     }
     const std::string map(name.str());
+    customization.AddMap(map, ToPlace(name.source().begin));
     if (auto mistake = Collect(*table, "", map, customization)) return std::move(*mistake);
   }
   return customization;
@@ -152,6 +158,18 @@ std::variant<Customization, Mistake> Customization::Parse(std::string_view toml,
     std::get<Customization>(outcome).file_ = file;
   }
   return outcome;
+}
+
+void Customization::List(Inventory& inventory) const {
+  inventory.maps.insert(inventory.maps.end(), maps_.begin(), maps_.end());
+  inventory.items.reserve(inventory.items.size() + items_.size());
+  for (const auto& [name, placed] : items_) {
+    std::vector<Kind> kinds = {static_cast<Kind>(placed.item.index())};
+    if (std::holds_alternative<EmptyList>(placed.item)) {
+      kinds = {Kind::kStringArray, Kind::kIntArray, Kind::kMapArray};
+    }
+    inventory.items.push_back({name.map, name.key, std::move(kinds), placed.place});
+  }
 }
 
 Item ItemFromText(const std::string& text) {

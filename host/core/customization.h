@@ -48,25 +48,26 @@ class Customization {
   // The item under `key` in `map`, or NULL. It stays where it is as others are set.
   const Item* Find(std::string_view map, std::string_view key) const {
     const auto found = items_.find(Name<std::string_view>{map, key});
-    return found == items_.end() ? nullptr : &found->second;
+    return found == items_.end() ? nullptr : &found->second.item;
   }
 
-  // The name of every item.
-  std::vector<std::pair<std::string, std::string>> Names() const {
-    std::vector<std::pair<std::string, std::string>> names;
-    names.reserve(items_.size());
-    for (const auto& [name, item] : items_) names.emplace_back(name.map, name.key);
-    return names;
-  }
+  // Adds every map and item to `inventory`, in no order.
+  void List(Inventory& inventory) const;
 
   // What the document was called.
   const std::string& file() const { return file_; }
 
-  void Set(const std::string& map, const std::string& key, Item item) {
-    items_.insert_or_assign({map, key}, std::move(item));
+  void AddMap(const std::string& map, Inventory::Place place) { maps_.push_back({map, place}); }
+
+  void Set(const std::string& map, const std::string& key, Item item, Inventory::Place place = {}) {
+    items_.insert_or_assign({map, key}, Placed{std::move(item), place});
   }
 
  private:
+  struct Placed {
+    Item item;
+    Inventory::Place place;
+  };
   template <class String>
   struct Name {
     String map, key;
@@ -87,8 +88,9 @@ class Customization {
   };
 
   std::string file_;
+  std::vector<Inventory::Map> maps_;  // of the document
   // A power of two of buckets stays one as the table grows, and spares every lookup a division.
-  std::unordered_map<Name<std::string>, Item, Hash, Equal> items_{1024};
+  std::unordered_map<Name<std::string>, Placed, Hash, Equal> items_{1024};
 };
 
 // `text` as the item it would be as a TOML value, or else as a string.

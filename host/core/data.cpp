@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <optional>
+#include <tuple>
 #include <variant>
 
 #include "cadrova/host.h"
@@ -40,6 +41,13 @@ std::optional<Mistake> Answer(std::variant<Customization, Mistake> outcome) {
   return std::nullopt;
 }
 
+// Sorts `list` by `name`, and leaves one of each.
+void KeepFirst(auto& list, auto name) {
+  std::ranges::stable_sort(list, {}, name);
+  const auto rest = std::ranges::unique(list, {}, name);
+  list.erase(rest.begin(), rest.end());
+}
+
 }  // namespace
 
 const Customization& Data::Loaded() {
@@ -68,12 +76,16 @@ std::optional<Mistake> AnswerFromText(const std::string& toml) {
 
 Inventory TakeInventory() {
   const Customization& file = Data::The().File();
-  Inventory inventory = {file.file(), file.Names()};
-  auto& items = inventory.items;
-  for (auto& name : Data::The().NamesHandedOver()) items.push_back(std::move(name));
-  std::ranges::sort(items);
-  const auto repeated = std::ranges::unique(items);
-  items.erase(repeated.begin(), repeated.end());
+  Inventory inventory;
+  inventory.file = file.file();
+  // Of two with one name the first stays: an item that was handed over, a map of the file.
+  Data::The().ListHandedOver(inventory);
+  file.List(inventory);
+  for (const Inventory::Item& item : inventory.items) {
+    if (item.place.line == 0) inventory.maps.push_back({item.map, {}});
+  }
+  KeepFirst(inventory.maps, &Inventory::Map::name);
+  KeepFirst(inventory.items, [](const auto& item) { return std::tie(item.map, item.key); });
   return inventory;
 }
 

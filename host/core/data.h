@@ -41,9 +41,9 @@ class Data {
     return file != nullptr ? *file : Loaded();
   }
 
-  auto NamesHandedOver() {
+  void ListHandedOver(Inventory& inventory) {
     const std::shared_lock lock(mutex_);
-    return handed_over_.Names();
+    handed_over_.List(inventory);
   }
 
   void HandOver(const std::string& map, const std::string& key, Item item) {

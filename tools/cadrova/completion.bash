@@ -3,28 +3,42 @@
 _cadrova() {
   local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
   local command=${COMP_WORDS[1]} words= place=0 i
+  local families="default region carrier carrier-region sim"
   COMPREPLY=()
   case $previous in
-    --data | -o) mapfile -t COMPREPLY < <(compgen -f -- "$word"); return ;;
-    --region | --carrier | --sim) return ;;
+    --data | --html | -o) mapfile -t COMPREPLY < <(compgen -f -- "$word"); return ;;
+    --region | --carrier | --regions | --carriers | --sim) return ;;
+    --family) mapfile -t COMPREPLY < <(compgen -W "$families" -- "$word"); return ;;
   esac
   # Which of the words behind the command this is, options and their values apart.
   for ((i = 2; i < COMP_CWORD; ++i)); do
     case ${COMP_WORDS[i]} in
       --) [[ $command != trace ]] || break ;;
-      --data | --region | --carrier | --sim | -o) ((++i)) ;;
+      --data | --html | --region | --carrier | --regions | --carriers | --family | --sim | -o)
+        ((++i)) ;;
       -*) ;;
       *) ((++place)) ;;
     esac
   done
   case $command in
-    explain | get)
+    explain | get | matrix)
       case $place in
-        0) words="default region carrier carrier-region sim" ;;
+        0) words=$families ;;
         1) words="bool int float string string-array int-array map-array" ;;
       esac
       [[ $word != -* ]] || words="--data --region --carrier --sim --json --help"
-      [[ $word != -* || $command == get ]] || words+=" --steps"
+      [[ $word != -* || $command != explain ]] || words+=" --steps"
+      [[ $word != -* || $command != matrix ]] ||
+        words="--data --regions --carriers --json --csv --html --help"
+      ;;
+    list) words="--data --json --help" ;;
+    diff | check)
+      if [[ $word != -* ]]; then
+        mapfile -t COMPREPLY < <(compgen -f -- "$word")
+        return
+      fi
+      words="--regions --carriers --help"
+      [[ $command == check ]] || words+=" --family --json"
       ;;
     trace)
       if [[ ${COMP_WORDS[i]} == -- && i -lt COMP_CWORD ]]; then
@@ -37,9 +51,9 @@ _cadrova() {
       fi
       words="--steps --summary -o --help --"
       ;;
-    help) words="explain get trace help" ;;
+    help) words="explain get list matrix diff check trace help" ;;
   esac
-  ((COMP_CWORD > 1)) || words="explain get trace help --help --version"
+  ((COMP_CWORD > 1)) || words="explain get list matrix diff check trace help --help --version"
   mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")
 }
 complete -o filenames -F _cadrova cadrova

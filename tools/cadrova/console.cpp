@@ -17,6 +17,17 @@ void Require(bool succeeded, const std::string& what) {
   if (!succeeded) Fail("can't " + what + ": " + std::generic_category().message(errno));
 }
 
+constexpr char kAside[] = "keep aside what the library prints";
+
+// Whatever `act` prints to standard output goes to the file.
+void PrintTo(int file, const std::function<void()>& act) {
+  const int standard_output = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0);
+  Require(file >= 0 && standard_output >= 0 && dup2(file, STDOUT_FILENO) >= 0, kAside);
+  act();
+  Require(std::fflush(stdout) == 0 && dup2(standard_output, STDOUT_FILENO) >= 0, kAside);
+  close(standard_output);
+}
+
 }  // namespace
 
 void OpenStandardStreams() {
@@ -43,15 +54,35 @@ void Print(const std::string& text) {
 }
 
 std::string PrintedBy(const std::function<void()>& act) {
-  const std::string what = "keep aside what the library prints";
   const int aside = memfd_create("printed", MFD_CLOEXEC);
-  const int standard_output = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0);
-  Require(aside >= 0 && standard_output >= 0 && dup2(aside, STDOUT_FILENO) >= 0, what);
-  act();
-  Require(std::fflush(stdout) == 0 && dup2(standard_output, STDOUT_FILENO) >= 0, what);
-  close(standard_output);
+  PrintTo(aside, act);
   std::string printed(static_cast<std::size_t>(lseek(aside, 0, SEEK_CUR)), '\0');
-  Require(pread(aside, printed.data(), printed.size(), 0) == std::ssize(printed), what);
+  Require(pread(aside, printed.data(), printed.size(), 0) == std::ssize(printed), kAside);
   close(aside);
   return printed;
+}
+
+void Silently(const std::function<void()>& act) {
+  const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
+  PrintTo(nowhere, act);
+  close(nowhere);
+}
+
+std::string Coloured(const std::string& text, const char* colour) {
+  static const char* const unwanted = std::getenv("NO_COLOR");
+  static const bool is_wanted =
+      isatty(STDOUT_FILENO) != 0 && (unwanted == nullptr || *unwanted == '\0');
+  return is_wanted ? std::string("\x1B[") + colour + 'm' + text + "\x1B[0m" : text;
+}
+
+void Progress::Show(std::size_t done, std::size_t all) {
+  static const bool is_wanted = isatty(STDERR_FILENO) != 0;
+  if (!is_wanted || Clock::now() < next_) return;
+  next_ = Clock::now() + std::chrono::milliseconds(100);
+  is_shown_ = true;
+  std::fprintf(stderr, "\rcadrova: %s: %zu %%\x1B[K", work_.c_str(), 100 * done / all);
+}
+
+Progress::~Progress() {
+  if (is_shown_) std::fputs("\r\x1B[K", stderr);
 }

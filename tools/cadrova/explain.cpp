@@ -1,15 +1,11 @@
 // cadrova explain: why the library answers what it answers. It asks the library, listening, and the
 // core about each map of the whole chain, and so knows nothing of any family.
 
-#include <unistd.h>
-
 #include <algorithm>
-#include <cstdlib>
 #include <memory>
 #include <optional>
 #include <utility>
 
-#include "cadrova/host.h"
 #include "commands.h"
 #include "console.h"
 #include "file.h"
@@ -18,12 +14,8 @@
 #include "lookup/kind.h"
 #include "near.h"
 #include "question.h"
+#include "stand_in.h"
 #include "table.h"
-
-// There where the core is the stand-in one, which can tell what it holds.
-namespace cadrova::host {
-[[gnu::weak]] Inventory TakeInventory();
-}
 
 using namespace cadrova::watch;
 
@@ -38,16 +30,6 @@ struct Place {
   std::optional<Value> value;  // where it holds one of the kind that is asked for
 };
 
-// The core's test for the kind, of SIM data where it has one.
-template <class Kind>
-ExistenceTest* TestFor(bool is_sim) {
-  using Row = android::cadrova::Kind<Kind>;
-  if constexpr (requires { Row::exists_in_sim; }) {
-    if (is_sim) return Row::exists_in_sim;
-  }
-  return Row::exists;
-}
-
 // Each kind in turn, as `use` gets a value of it.
 template <std::size_t... indices>
 void ForEachKind(auto use, std::index_sequence<indices...>) {
@@ -59,7 +41,7 @@ Place Look(const Chain::Map& map, const Question& question) {
   place.map = map.name;
   ForEachKind(
       [&]<class Kind>(const Kind& kind) {
-        if (!Holds(TestFor<Kind>(map.is_sim), map.name, question.key)) return;
+        if (!Holds(TestOf(kind, map.is_sim), map.name, question.key)) return;
         place.kinds.emplace_back(kKindNames[Value(kind).index()]);
         if (const Kind* given = std::get_if<Kind>(&question.default_value)) {
           if constexpr (kIsList<Kind>) {
@@ -89,15 +71,6 @@ std::string Joined(const std::vector<std::string>& names) {
   for (const std::string& name : names) text += (text.empty() ? "" : ", ") + name;
   return text;
 }
-
-// `text` in a colour, where a person reads it.
-std::string Coloured(const std::string& text, const char* colour) {
-  static const char* const unwanted = std::getenv("NO_COLOR");
-  static const bool is_wanted =
-      isatty(STDOUT_FILENO) != 0 && (unwanted == nullptr || *unwanted == '\0');
-  return is_wanted ? std::string("\x1B[") + colour + 'm' + text + "\x1B[0m" : text;
-}
-constexpr char kBold[] = "1", kGreen[] = "32", kYellow[] = "33";
 
 std::string Outcome(const Question& question, const Hearing& heard) {
   const std::string value = ToText(heard.value);
@@ -152,8 +125,8 @@ std::vector<std::string> First(std::vector<std::string> facts) {
 
 // What only the stand-in core can tell.
 std::string FactsOfTheFile(const Question& question, const std::vector<Place>& places) {
-  if (cadrova::host::TakeInventory == nullptr) return "";
-  const auto inventory = cadrova::host::TakeInventory();
+  if (!CanList()) return "";
+  const auto inventory = List();
   std::vector<std::string> maps(places.size());
   std::ranges::transform(places, maps.begin(), &Place::map);
   return Facts("data", {inventory.file}) +

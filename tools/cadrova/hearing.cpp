@@ -14,15 +14,17 @@ std::map<std::string, std::string>& Overrides() {
 }
 
 // Who listens, if anybody.
-Hearing* hearing = nullptr;
-bool nothing_exists = false;
+const Listener* hears = nullptr;
 
-Hearing Hear(const std::function<Value()>& ask, bool without_items) {
+Hearing Hear(const std::function<Value()>& ask, bool nothing_exists) {
   Hearing heard;
-  hearing = &heard;
-  nothing_exists = without_items;
-  heard.printed = PrintedBy([&] { heard.value = ask(); });
-  hearing = nullptr;
+  const auto hear = [&](Step& step) {
+    if (step.exists != nullptr && nothing_exists) *step.exists = 0;
+    if (step.property != nullptr) heard.properties.emplace_back(step.name, *step.property);
+    step.AppendTo(heard.steps.emplace_back());
+    heard.chain.Add(step);
+  };
+  heard.printed = PrintedBy([&] { Listen(hear, [&] { heard.value = ask(); }); });
   return heard;
 }
 
@@ -35,11 +37,13 @@ void cadrova::watch::Heard(Step& step) {
       *step.property = found->second.empty() ? step.key : found->second;
     }
   }
-  if (hearing == nullptr) return;
-  if (step.exists != nullptr && nothing_exists) *step.exists = 0;
-  if (step.property != nullptr) hearing->properties.emplace_back(step.name, *step.property);
-  step.AppendTo(hearing->steps.emplace_back());
-  hearing->chain.Add(step);
+  if (hears != nullptr) (*hears)(step);
+}
+
+void Listen(const Listener& listener, const std::function<void()>& act) {
+  hears = &listener;
+  act();
+  hears = nullptr;
 }
 
 Hearing Hear(const std::function<Value()>& ask) { return Hear(ask, false); }

@@ -21,7 +21,8 @@ CLI::App& Command(CLI::App& app, const std::string& name) {
 void AddHelp(CLI::App& app) {
   CLI::App& help = *app.add_subcommand("help", "Say how cadrova, or one command, is used");
   const auto name = std::make_shared<std::string>();
-  help.add_option("COMMAND", *name, "explain, get, trace or help")->type_name("");
+  help.add_option("COMMAND", *name, "explain, get, list, matrix, diff, check, trace or help")
+      ->type_name("");
   help.callback([=, &app] {
     const CLI::App& command = name->empty() ? app : Command(app, *name);
     Print(app.get_formatter()->make_help(
@@ -35,12 +36,16 @@ void AddHelp(CLI::App& app) {
 int main(int argc, char** argv) {
   OpenStandardStreams();
   CLI::App app("How is this device unit customized, and why?", "cadrova");
-  app.get_formatter()->column_width(18);
+  app.get_formatter()->column_width(20);
   app.get_formatter()->label("SUBCOMMAND", "COMMAND");
   app.get_formatter()->label("REQUIRED", "");
   app.set_version_flag("--version", CADROVA_VERSION);
   AddExplain(app);
   AddGet(app);
+  AddList(app);
+  AddMatrix(app);
+  AddDiff(app);
+  AddCheck(app);
   AddTrace(app);
   AddHelp(app);
   app.require_subcommand(0, 1);

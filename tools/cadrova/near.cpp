@@ -4,6 +4,7 @@
 #include <cctype>
 #include <map>
 #include <numeric>
+#include <set>
 #include <string_view>
 #include <utility>
 
@@ -19,7 +20,8 @@ std::string InLowerCase(const std::string& text) {
   return lower;
 }
 
-// Its words, whatever their case and order and what divides them.
+}  // namespace
+
 std::string Folded(const std::string& name) {
   std::vector<std::string> words(1);
   for (const char byte : InLowerCase(name)) {
@@ -35,6 +37,8 @@ std::string Folded(const std::string& name) {
   for (const std::string& word : words) folded += word.empty() ? "" : word + ' ';
   return folded;
 }
+
+namespace {
 
 bool IsAlmost(const std::string& one, const std::string& other) {
   const std::string folded = Folded(one);
@@ -66,6 +70,36 @@ std::size_t DistanceOfKeys(const std::string& one, const std::string& other) {
   return a.ends_with('.' + b) || b.ends_with('.' + a) ? 1 : Distance(a, b);
 }
 
+// Whether the names are one but for the numbers in them.
+bool DifferByNumbers(const std::string& one, const std::string& other) {
+  const auto is_digit = [](const std::string& name, std::size_t i) {
+    return i < name.size() && name[i] >= '0' && name[i] <= '9';
+  };
+  std::size_t i = 0, j = 0;
+  while (i < one.size() && j < other.size()) {
+    if (is_digit(one, i) && is_digit(other, j)) {
+      while (is_digit(one, i)) ++i;
+      while (is_digit(other, j)) ++j;
+    } else if (one[i++] != other[j++]) {
+      return false;
+    }
+  }
+  return i == one.size() && j == other.size();
+}
+
+// One at least is the same for two names that are one mistake apart.
+std::vector<std::size_t> Traces(const std::string& name) {
+  const std::hash<std::string> hash;
+  const std::string lower = InLowerCase(name);
+  std::vector<std::size_t> traces = {hash(Folded(name)), hash(lower)};
+  const std::size_t level = lower.find('.');
+  if (level != std::string::npos) traces.push_back(hash(lower.substr(level + 1)));
+  for (std::size_t i = 0; i < lower.size(); ++i) {
+    traces.push_back(hash(std::string(lower).erase(i, 1)));
+  }
+  return traces;
+}
+
 // The last part of each, sorted.
 template <class Rank>
 std::vector<std::string> Texts(std::vector<std::pair<Rank, std::string>> ranked) {
@@ -80,7 +114,7 @@ std::vector<std::string> Texts(std::vector<std::pair<Rank, std::string>> ranked)
 std::vector<std::string> Elsewhere(const Items& items, const std::vector<std::string>& maps,
                                    const std::string& key) {
   std::vector<std::pair<std::pair<bool, std::size_t>, std::string>> ranked;
-  for (const auto& [map, item_key] : items) {
+  for (const auto& [map, item_key, kinds, place] : items) {
     if (item_key != key || std::ranges::find(maps, map) != maps.end()) continue;
     std::pair<bool, std::size_t> rank = {true, std::string::npos};
     std::string almost;
@@ -98,7 +132,7 @@ std::vector<std::string> Similar(const Items& items, const std::vector<std::stri
                                  const std::string& key) {
   // Where each key is, those of `maps` first.
   std::map<std::string, std::vector<std::pair<std::ptrdiff_t, std::string>>> places;
-  for (const auto& [map, item_key] : items) {
+  for (const auto& [map, item_key, kinds, place] : items) {
     places[item_key].emplace_back(std::ranges::find(maps, map) - maps.begin(), map);
   }
   places.erase(key);
@@ -113,4 +147,25 @@ std::vector<std::string> Similar(const Items& items, const std::vector<std::stri
          Named(other) + " in " + Named(map) + (holders.size() == 1 ? "" : " and elsewhere")});
   }
   return Texts(std::move(ranked));
+}
+
+NearNames::NearNames(std::vector<std::string> names) : names_(std::move(names)) {
+  for (std::uint32_t i = 0; i < names_.size(); ++i) {
+    for (const std::size_t trace : Traces(names_[i])) traces_.emplace_back(trace, i);
+  }
+  std::ranges::sort(traces_);
+}
+
+std::vector<std::string> NearNames::Of(const std::string& name) const {
+  using Trace = std::pair<std::size_t, std::uint32_t>;
+  std::set<std::pair<std::pair<bool, std::size_t>, std::string>> ranked;
+  for (const std::size_t trace : Traces(name)) {
+    for (const auto& [hash, i] : std::ranges::equal_range(traces_, trace, {}, &Trace::first)) {
+      const std::string& other = names_[i];
+      if (DifferByNumbers(other, name)) continue;
+      const std::pair rank(!IsAlmost(other, name), DistanceOfKeys(other, name));
+      if (!rank.first || rank.second <= 1) ranked.insert({rank, other});
+    }
+  }
+  return Texts(std::vector(ranked.begin(), ranked.end()));
 }

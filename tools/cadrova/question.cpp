@@ -4,17 +4,12 @@
 #include <utility>
 
 #include "cadrova/cadrova.h"
-#include "cadrova/host.h"
 #include "console.h"
-#include "file.h"
 #include "hearing.h"
+#include "lookup/kind.h"
+#include "stand_in.h"
 
 using namespace cadrova::watch;
-
-// There where the core is the stand-in one, which reads a file.
-namespace cadrova::host {
-[[gnu::weak]] std::optional<Mistake> AnswerFromFile(const std::string& path);
-}
 
 namespace {
 
@@ -89,12 +84,12 @@ const auto& FindByName(const auto& table, const std::string& what, const std::st
 }
 
 // Whether the family leaves out a kind, or a kind's default, and why.
-void RefuseWhatTheFamilyLacks(const Family& family, const Kind& kind, bool has_default) {
-  if (std::string(family.name) != "sim") return;
-  if (std::holds_alternative<float>(kind.zero)) {
+void RefuseWhatTheFamilyLacks(const std::string& family, const std::string& kind,
+                              bool has_default) {
+  if (!HasLookup(family, kind)) {
     Fail("the sim family has no float: SIM data holds none; ask carrier-region");
   }
-  if (std::holds_alternative<std::string>(kind.zero) && has_default) {
+  if (family == "sim" && kind == "string" && has_default) {
     Fail("the sim family takes no default for a string: a missing one is empty");
   }
 }
@@ -117,54 +112,67 @@ std::function<Value()> Asking(const Family& family, const std::string& key,
 
 }  // namespace
 
+bool HasLookup(const std::string& family, const std::string& kind) {
+  return family != "sim" || kind != "float";
+}
+
+Question ToQuestion(const std::string& family, const std::string& kind, const std::string& key,
+                    const std::optional<std::string>& default_value) {
+  const Family& of = FindByName(kFamilies, "family", family);
+  const auto& [word, zero, name] = FindByName(kKinds, "kind", kind);
+  RefuseWhatTheFamilyLacks(family, kind, default_value.has_value());
+  const Value value = default_value ? ParseDefault(*default_value, zero) : zero;
+  return {.function = std::string("get") + of.word + word + "Feature",
+          .key = key,
+          .default_value = value,
+          .has_default = default_value.has_value(),
+          .ask = Asking(of, key, value)};
+}
+
+ExistenceTest* TestOf(const Value& value, bool is_sim) {
+  return std::visit(
+      [=]<class Kind>(const Kind&) -> ExistenceTest* {
+        using Row = android::cadrova::Kind<Kind>;
+        if constexpr (requires { Row::exists_in_sim; }) {
+          if (is_sim) return Row::exists_in_sim;
+        }
+        return Row::exists;
+      },
+      value);
+}
+
+void AddData(CLI::App& command, std::optional<std::string>& data) {
+  AddArgument(command, "--data", data, "FILE", "The customization file of the stand-in core");
+}
+
 QuestionArguments::QuestionArguments(CLI::App& command) {
-  const auto add = [&](const std::string& name, auto& into, const std::string& type,
-                       const std::string& what) {
-    return command.add_option(name, into, what)
-        ->type_name(type)
-        ->check([name](const std::string& given) {
-          // A value that was forgotten would be taken for the next option's name.
-          return name[0] == '-' && given.starts_with("--") ? "'" + given + "' is an option" : "";
-        });
-  };
-  add("FAMILY", family_, "", "default, region, carrier, carrier-region or sim")->required();
-  add("KIND", kind_, "", "bool, int, float, string, string-array, int-array or map-array")
-      ->required();
-  add("KEY", key_, "", "The feature key")->required();
-  add("DEFAULT", default_, "", "For a missing item; left out: false, 0, 0 or empty");
-  add("--data", data_, "FILE", "The customization file of the stand-in core");
-  add("--region", region_, "CODE", "The region code; left out, what the property store holds");
-  add("--carrier", carrier_, "CODE", "The carrier code; left out, what the property store holds");
-  add("--sim", sim_items_, "KEY=VALUE", "Handed over for the SIM first; may be repeated")
+  AddFeature(command, family_, kind_, key_);
+  for (CLI::Option* argument : command.get_options()) {
+    if (argument->get_positional()) argument->required();
+  }
+  AddArgument(command, "DEFAULT", default_, "",
+              "For a missing item; left out: false, 0, 0 or empty");
+  AddData(command, data_);
+  AddArgument(command, "--region", region_, "CODE",
+              "The region code; left out, what the property store holds");
+  AddArgument(command, "--carrier", carrier_, "CODE",
+              "The carrier code; left out, what the property store holds");
+  AddArgument(command, "--sim", sim_items_, "KEY=VALUE",
+              "Handed over for the SIM first; may be repeated")
       ->expected(1)
       ->allow_extra_args(false)  // What follows is not for the SIM.
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
 }
 
 Question QuestionArguments::Take() const {
-  const Family& family = FindByName(kFamilies, "family", family_);
-  const Kind& kind = FindByName(kKinds, "kind", kind_);
-  RefuseWhatTheFamilyLacks(family, kind, default_.has_value());
-  const Value default_value = default_ ? ParseDefault(*default_, kind.zero) : kind.zero;
-  if (data_) {
-    if (data_->empty()) Fail("--data names no file");
-    if (cadrova::host::AnswerFromFile == nullptr) {
-      Fail("--data: this parser core reads no file of ours");
-    }
-    if (const auto mistake = cadrova::host::AnswerFromFile(*data_)) {
-      cadrova::host::Stop(*mistake);
-    }
-  }
-  if (region_) OverrideProperty("ro.orvel.region", *region_);
-  if (carrier_) OverrideProperty("persist.sys.cota.carrier", *carrier_);
+  const Question question = ToQuestion(family_, kind_, key_, default_);
+  if (data_) AnswerFromFile(*data_);
+  if (region_) OverrideProperty(kRegionCode, *region_);
+  if (carrier_) OverrideProperty(kCarrierCode, *carrier_);
   for (const std::string& item : sim_items_) {
     const std::size_t equals = item.find('=');
     if (equals == std::string::npos) Fail("--sim '" + item + "' is no KEY=VALUE");
     android::setSimCadrova(item.substr(0, equals), item.substr(equals + 1));
   }
-  return {.function = std::string("get") + family.word + kind.word + "Feature",
-          .key = key_,
-          .default_value = default_value,
-          .has_default = default_.has_value(),
-          .ask = Asking(family, key_, default_value)};
+  return question;
 }

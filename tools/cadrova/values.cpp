@@ -89,3 +89,13 @@ std::string ToLine(const Json& json) {
     Fail("JSON can't carry what is not UTF-8; ask without --json");
   }
 }
+
+void JsonArray::Add(const Json& element) {
+  constexpr std::size_t kMuch = 1U << 16U;
+  std::string line = ToLine(element);
+  line.pop_back();
+  text_ += (std::exchange(is_empty_, false) ? "\n" : ",\n") + line;
+  if (text_.size() > kMuch) Print(std::exchange(text_, ""));
+}
+
+JsonArray::~JsonArray() { Print(text_ + (is_empty_ ? "]\n" : "\n]\n")); }

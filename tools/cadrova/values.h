@@ -28,3 +28,18 @@ Json ToJson(const Value& value);
 
 // One line; fails for what is not UTF-8.
 std::string ToLine(const Json& json);
+
+// A JSON array on standard output, an element a line.
+class JsonArray {
+ public:
+  JsonArray() = default;
+  JsonArray(const JsonArray&) = delete;
+  JsonArray& operator=(const JsonArray&) = delete;
+  ~JsonArray();
+
+  void Add(const Json& element);
+
+ private:
+  std::string text_ = "[";  // not yet printed
+  bool is_empty_ = true;
+};

@@ -33,4 +33,12 @@ inline std::vector<std::string> Aligned(const std::vector<Row>& rows, std::size_
   return lines;
 }
 
+// The same as one text.
+inline std::string Table(const std::vector<Row>& rows) {
+  if (rows.empty()) return "";
+  std::string text;
+  for (const std::string& line : Aligned(rows)) text += line + '\n';
+  return text;
+}
+
 }  // namespace cadrova::watch

@@ -54,14 +54,34 @@ inline std::ostream& operator<<(std::ostream& stream, const Mistake& mistake) {
 /// The same with `toml` as the contents of the file.
 [[nodiscard]] std::optional<Mistake> AnswerFromText(const std::string& toml);
 
+/// The kinds of value.
+enum class Kind { kBool, kInt, kFloat, kString, kStringArray, kIntArray, kMapArray };
+
 /// All that the core holds.
 struct Inventory {
-  std::string file;  ///< The customization file, as it was named; "<text>" for a text.
-  /// The map and feature key of every item, sorted; those handed over for the SIM among them.
-  std::vector<std::pair<std::string, std::string>> items;
+  /// Where something stands in the file, from 1, in lines and characters; 0 where it doesn't, as
+  /// what was handed over for the SIM.
+  struct Place {
+    int line = 0;
+    int column = 0;
+  };
+  struct Map {
+    std::string name;
+    Place place;  ///< Of its first mention.
+  };
+  struct Item {
+    std::string map;
+    std::string key;
+    std::vector<Kind> kinds;  ///< As which it exists: one; an empty array is of every list kind.
+    Place place;              ///< Of the last part of its key.
+  };
+
+  std::string file;         ///< The customization file, as it was named; "<text>" for a text.
+  std::vector<Map> maps;    ///< Sorted by name; those that hold nothing among them.
+  std::vector<Item> items;  ///< Sorted by map and key.
 };
 
-/// Lists what the core holds now.
+/// Lists what the core holds now, in the file and handed over for the SIM.
 Inventory TakeInventory();
 
 /// Forgets all that was handed over for the SIM.

@@ -1,0 +1,139 @@
+#include "page.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include "json.h"
+#include "page_template.h"
+
+using cadrova::watch::Named;
+
+namespace {
+
+std::string Escaped(std::string_view text) {
+  std::string escaped;
+  for (const char byte : text) {
+    switch (byte) {
+      case '&':
+        escaped += "&amp;";
+        break;
+      case '<':
+        escaped += "&lt;";
+        break;
+      case '"':
+        escaped += "&quot;";
+        break;
+      default:
+        escaped += byte;
+    }
+  }
+  return escaped;
+}
+
+std::string Element(const std::string& name, const std::string& contents) {
+  return '<' + name + '>' + contents + "</" + name.substr(0, name.find(' ')) + '>';
+}
+
+std::string Code(const std::string& code) {
+  return code.empty() ? Element("i", "unset") : Escaped(code);
+}
+
+std::string Codes(const std::vector<std::string>& codes) {
+  std::string list;
+  for (const std::string& code : codes) list += (list.empty() ? "" : ", ") + Code(code);
+  return list;
+}
+
+std::string Style(const Answer& answer, const std::vector<std::string>& styles) {
+  return answer.map ? styles[answer.place] : "none";
+}
+
+std::string Contents(const Answer& answer) {
+  if (!answer.map) return "<small>no map</small>";
+  return Escaped(ToText(answer.value)) + " <small>" + Escaped(Named(*answer.map)) + "</small>";
+}
+
+void Replace(std::string& text, std::string_view mark, const std::string& with) {
+  text.replace(text.find(mark), mark.size(), with);
+}
+
+}  // namespace
+
+void Page::Begin(const std::string& key, const std::string& kind) {
+  sections_.push_back({key, kind, {}});
+}
+
+void Page::Add(const std::string& family, const Grids& made) {
+  const auto styles = StylesOf(family);
+  std::string html;
+  for (const auto& [regions, carriers, rows] : made.grids) {
+    html += "<table>\n<tr><th>region";
+    for (const CodeGroup& group : carriers) {
+      html += "<th>" + Label(group, fleet_.carriers, "carrier", Code);
+    }
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+      html += "\n<tr><th>" + Label(regions[i], fleet_.regions, "region", Code);
+      for (const Answer* answer : rows[i]) {
+        html += "<td class=" + Style(*answer, styles) + '>' + Contents(*answer);
+      }
+    }
+    html += "\n</table>\n";
+  }
+  if (!made.singles.empty()) html += "<p>but\n";
+  for (const auto& [region, carrier, answer] : made.singles) {
+    html += "<span class=" + Style(*answer, styles) + "><b>" + Code(fleet_.regions[region]) + ", " +
+            Code(fleet_.carriers[carrier]) + "</b> " + Contents(*answer) + "</span>\n";
+  }
+  auto& grids = sections_.back().grids;
+  if (!grids.empty() && grids.back().second == html) {
+    grids.back().first += " and " + family;
+  } else {
+    grids.emplace_back(family, html);
+  }
+}
+
+std::string Page::ToHtml() const {
+  std::string legend, features;
+  for (const auto& [name, style] : legend_) {
+    legend += "<li class=" + style + "><small>" + Escaped(name) + "</small>\n";
+  }
+  for (const auto& [key, kind, grids] : sections_) {
+    features += "<section><h2>" + Escaped(key) + " <small>" + kind + "</small></h2>\n";
+    for (const auto& [families, html] : grids) {
+      features.append("<h3>by ").append(families).append("</h3>\n<div>\n");
+      features.append(html).append("</div>\n");
+    }
+    features += "</section>\n";
+  }
+  std::string page = kPageTemplate;
+  // From the last to the first, so that no mark is looked for in what was put in.
+  Replace(page, "{features}", features);
+  Replace(page, "{legend}", legend);
+  Replace(page, "{carriers}", Codes(fleet_.carriers));
+  Replace(page, "{regions}", Codes(fleet_.regions));
+  Replace(page, "{source}", Escaped(source_));
+  Replace(page, "{title}", Escaped(source_));
+  return page;
+}
+
+// The style of each place in the family's chain. What maps there are called is asked of the
+// library, for a device whose codes say what they are.
+std::vector<std::string> Page::StylesOf(const std::string& family) {
+  const Fleet fleet = {{"‹region›"}, {"‹carrier›"}};
+  const auto names = Chains(family, fleet).Names();
+  std::vector<std::string> styles;
+  styles.reserve(names.size());
+  std::size_t first = 0;  // of the legend, that the chain's next maps come behind
+  for (const std::string& name : names) {
+    auto sort = std::ranges::find(legend_, name, &Sort::name);
+    if (sort == legend_.end()) {
+      // The last resort is what all others differ from.
+      const std::string style =
+          name == names.back() ? "base" : "p" + std::to_string(legend_.size());
+      sort = legend_.insert(legend_.begin() + static_cast<std::ptrdiff_t>(first), {name, style});
+    }
+    first = static_cast<std::size_t>(sort - legend_.begin()) + 1;
+    styles.push_back(sort->style);
+  }
+  return styles;
+}
