@@ -331,7 +331,8 @@ std::set<std::string> CommandsAndOptions(const std::string& text) {
 TEST(Command, HelpsAsTheReadmeTheManualAndTheShellsDo) {
   const std::string sources = CADROVA_SOURCES, readme = Contents(sources + "/README.md");
   std::string all;
-  for (const std::string command : {"", "explain", "get", "list", "matrix", "diff", "check", "trace", "help"}) {
+  for (const std::string command :
+       {"", "explain", "get", "list", "matrix", "diff", "check", "trace", "help"}) {
     const auto [out, err, status] = Cadrova(command.empty() ? "--help" : command + "|--help");
     if (command != "help") {
       const std::string help = "--help\n" + out.substr(0, out.find_last_not_of('\n') + 1) + "\n```";
