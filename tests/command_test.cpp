@@ -1,4 +1,6 @@
-// The cadrova command as its users run it.
+// What the cadrova command says of one device.
+
+#include "command.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -9,41 +11,11 @@
 #include <cstdlib>
 #include <regex>
 #include <set>
-#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "files.h"
-#include "run.h"
-
 namespace {
-
-const std::string kData = TemporaryFile("data.toml", "[DEFAULT]" + kItems + "[\"\"]" + kItems + R"(
-[DEFAULT.a]
-b.c = 1
-"b.d" = 2
-[EU]
-float = 0.5
-["COTA_X=1"]
-float = 2.0
-["COTA_X=1_EU"]
-float = 1.0
-)");
-
-// `line` has a bar between words; "cadrova" is the command again.
-Outcome Cadrova(const std::string& line, const std::string& setting = "CADROVA_HOST_DATA=" + kData,
-                const std::string& out = "") {
-  const Words command = {CADROVA_COMMAND};
-  Words words = command;
-  std::istringstream rest(line + '|');
-  for (std::string word; std::getline(rest, word, '|');) {
-    words.push_back(word);
-    if (word == "cadrova")
-      words.insert(words.erase(words.end() - 1), command.begin(), command.end());
-  }
-  return RunProgram(words, {setting}, out);
-}
 
 TEST(Command, PrintsTheValueAlone) {
   const std::pair<const char*, const char*> cases[] = {

@@ -33,7 +33,11 @@ class Findings {
 
   std::string ToText() const {
     std::string lines;
+    std::pair<int, int> error;  // where the last one is
     for (const auto& [line, column, is_warning, what] : found_) {
+      // What is wrong is of no use besides.
+      if (is_warning && error == std::pair(line, column)) continue;
+      if (!is_warning) error = {line, column};
       const cadrova::host::Mistake place = {file_, line, column, ""};
       lines += Coloured(cadrova::host::ToString(place), kBold) +
                (is_warning ? Coloured("warning: ", kYellow) : Coloured("error: ", kRed)) +
