@@ -219,12 +219,12 @@ TEST(Fleet, IsOnAPage) {
   ExpectEach({{"matrix|--html|" + page, ""}});
   std::string text = Contents(page);
   text = text.substr(text.find("<h1>"), text.find("<script>") - text.find("<h1>"));
-  text = std::regex_replace(text, std::regex("class=\"?(p.|base|none)\"?[^>]*>"), ">$1: ");
+  text = std::regex_replace(text, std::regex("class=\"?(p.|none)\"?[^>]*>"), ">$1: ");
   text = std::regex_replace(text, std::regex("(<[^>]*>|\\s)+"), " ");
   EXPECT_EQ(
       text,
       " How every device is customized " + kFleet +
-          R"( regions unset , EU, JP carriers unset , N_7, X1 p4: SIM_‹carrier› p5: SIM_DEFAULT p0: COTA_‹carrier›_‹region› p1: COTA_‹carrier› p2: ‹region› base: DEFAULT none: no map holds it &lt;&amp; bool by carrier-region and sim region every carrier every region base: false DEFAULT list string-array by carrier-region and sim region unset , X1 N_7 unset , JP base: [] DEFAULT base: [] DEFAULT EU base: [] DEFAULT p0: [&quot;a text&quot;,&quot;of some width&quot;] COTA_N_7_EU name string by carrier-region region every carrier every region base: &quot;a \&quot;b\&quot;&quot; DEFAULT by sim region every carrier every region p5: &quot;s&quot; SIM_DEFAULT ring int by carrier-region region unset , N_7 X1 unset , JP base: 30 DEFAULT p1: 25 COTA_X1 EU p2: 25 EU p0: 40 COTA_X1_EU by sim region unset , N_7 X1 unset , JP base: 30 DEFAULT p4: 15 SIM_X1 EU p2: 25 EU p4: 15 SIM_X1 )");
+          R"( regions unset , EU, JP carriers unset , N_7, X1 Filter p0: SIM_‹carrier› p1: SIM_DEFAULT p2: COTA_‹carrier›_‹region› p3: COTA_‹carrier› p4: ‹region› p5: DEFAULT none: no map holds it &quot;&lt;&amp;&quot; bool by carrier-region and sim region every carrier every region p5: false DEFAULT list string-array by carrier-region and sim region unset , X1 N_7 unset , JP p5: [] DEFAULT p5: [] DEFAULT EU p5: [] DEFAULT p2: [&quot;a text&quot;,&quot;of some width&quot;] COTA_N_7_EU name string by carrier-region region every carrier every region p5: &quot;a \&quot;b\&quot;&quot; DEFAULT by sim region every carrier every region p1: &quot;s&quot; SIM_DEFAULT ring int by carrier-region region unset , N_7 X1 unset , JP p5: 30 DEFAULT p3: 25 COTA_X1 EU p4: 25 EU p2: 40 COTA_X1_EU by sim region unset , N_7 X1 unset , JP p5: 30 DEFAULT p0: 15 SIM_X1 EU p4: 25 EU p0: 15 SIM_X1 )");
 }
 
 }  // namespace

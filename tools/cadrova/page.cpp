@@ -35,7 +35,7 @@ std::string Element(const std::string& name, const std::string& contents) {
 }
 
 std::string Code(const std::string& code) {
-  return code.empty() ? Element("i", "unset") : Escaped(code);
+  return code.empty() ? Element("i", "unset") : Escaped(Named(code));
 }
 
 std::string Codes(const std::vector<std::string>& codes) {
@@ -43,6 +43,15 @@ std::string Codes(const std::vector<std::string>& codes) {
   for (const std::string& code : codes) list += (list.empty() ? "" : ", ") + Code(code);
   return list;
 }
+
+// What the maps in the family's chain are called, which is asked of the library, for a device whose
+// codes say what they are.
+std::vector<std::string> SortsIn(const std::string& family) {
+  const Fleet fleet = {{"‹region›"}, {"‹carrier›"}};
+  return Chains(family, fleet).Names();
+}
+
+std::string StyleOf(std::size_t sort) { return 'p' + std::to_string(sort); }
 
 std::string Style(const Answer& answer, const std::vector<std::string>& styles) {
   return answer.map ? styles[answer.place] : "none";
@@ -59,6 +68,10 @@ void Replace(std::string& text, std::string_view mark, const std::string& with) 
 
 }  // namespace
 
+Page::Page(std::string source, const Fleet& fleet) : source_(std::move(source)), fleet_(fleet) {
+  for (const std::string& name : SortsIn("sim")) sorts_.push_back({name});
+}
+
 void Page::Begin(const std::string& key, const std::string& kind) {
   sections_.push_back({key, kind, {}});
 }
@@ -67,17 +80,19 @@ void Page::Add(const std::string& family, const Grids& made) {
   const auto styles = StylesOf(family);
   std::string html;
   for (const auto& [regions, carriers, rows] : made.grids) {
-    html += "<table>\n<tr><th>region";
+    html += "<table>\n<thead><tr><th scope=col>region";
     for (const CodeGroup& group : carriers) {
-      html += "<th>" + Label(group, fleet_.carriers, "carrier", Code);
+      html += "<th scope=col>" + Label(group, fleet_.carriers, "carrier", Code);
     }
+    html += "</thead>\n<tbody>\n";
     for (std::size_t i = 0; i < rows.size(); ++i) {
-      html += "\n<tr><th>" + Label(regions[i], fleet_.regions, "region", Code);
+      html += "<tr><th scope=row>" + Label(regions[i], fleet_.regions, "region", Code);
       for (const Answer* answer : rows[i]) {
         html += "<td class=" + Style(*answer, styles) + '>' + Contents(*answer);
       }
+      html += "</tr>\n";
     }
-    html += "\n</table>\n";
+    html += "</table>\n";
   }
   if (!made.singles.empty()) html += "<p>but\n";
   for (const auto& [region, carrier, answer] : made.singles) {
@@ -94,11 +109,12 @@ void Page::Add(const std::string& family, const Grids& made) {
 
 std::string Page::ToHtml() const {
   std::string legend, features;
-  for (const auto& [name, style] : legend_) {
-    legend += "<li class=" + style + "><small>" + Escaped(name) + "</small>\n";
+  for (std::size_t i = 0; i < sorts_.size(); ++i) {
+    const auto& [name, is_asked] = sorts_[i];
+    if (is_asked) legend += "<li class=" + StyleOf(i) + "><small>" + Escaped(name) + "</small>\n";
   }
   for (const auto& [key, kind, grids] : sections_) {
-    features += "<section><h2>" + Escaped(key) + " <small>" + kind + "</small></h2>\n";
+    features += "<section><h2>" + Escaped(Named(key)) + " <small>" + kind + "</small></h2>\n";
     for (const auto& [families, html] : grids) {
       features.append("<h3>by ").append(families).append("</h3>\n<div>\n");
       features.append(html).append("</div>\n");
@@ -116,24 +132,13 @@ std::string Page::ToHtml() const {
   return page;
 }
 
-// The style of each place in the family's chain. What maps there are called is asked of the
-// library, for a device whose codes say what they are.
+// The style of each place in the family's chain.
 std::vector<std::string> Page::StylesOf(const std::string& family) {
-  const Fleet fleet = {{"‹region›"}, {"‹carrier›"}};
-  const auto names = Chains(family, fleet).Names();
   std::vector<std::string> styles;
-  styles.reserve(names.size());
-  std::size_t first = 0;  // of the legend, that the chain's next maps come behind
-  for (const std::string& name : names) {
-    auto sort = std::ranges::find(legend_, name, &Sort::name);
-    if (sort == legend_.end()) {
-      // The last resort is what all others differ from.
-      const std::string style =
-          name == names.back() ? "base" : "p" + std::to_string(legend_.size());
-      sort = legend_.insert(legend_.begin() + static_cast<std::ptrdiff_t>(first), {name, style});
-    }
-    first = static_cast<std::size_t>(sort - legend_.begin()) + 1;
-    styles.push_back(sort->style);
+  for (const std::string& name : SortsIn(family)) {
+    const auto sort = std::ranges::find(sorts_, name, &Sort::name);
+    sort->is_asked = true;
+    styles.push_back(StyleOf(static_cast<std::size_t>(sort - sorts_.begin())));
   }
   return styles;
 }

@@ -10,7 +10,7 @@
 class Page {
  public:
   // `source` is what holds the data.
-  Page(std::string source, const Fleet& fleet) : source_(std::move(source)), fleet_(fleet) {}
+  Page(std::string source, const Fleet& fleet);
 
   // A feature begins; the grids that are added then are of it.
   void Begin(const std::string& key, const std::string& kind);
@@ -24,15 +24,16 @@ class Page {
     std::vector<std::pair<std::string, std::string>> grids;  // of families
   };
 
-  // How maps of one sort are shown, such as those of a carrier.
+  // Maps of one sort, such as those of a carrier.
   struct Sort {
-    std::string name, style;
+    std::string name;
+    bool is_asked = false;  // by a family on the page
   };
 
   std::vector<std::string> StylesOf(const std::string& family);
 
   std::string source_;
   const Fleet& fleet_;
-  std::vector<Sort> legend_;
+  std::vector<Sort> sorts_;  // in the order of a SIM's chain, which has those of all families
   std::vector<Section> sections_;
 };
