@@ -32,7 +32,7 @@ name = "s"
 )");
 
 struct Case {
-  std::string line, out, err = "";
+  std::string line, out, err = {};
   int status = 0;
 };
 
@@ -176,7 +176,7 @@ TEST(Fleet, HasNoMistakeUnfound) {
   const struct {
     std::string mistake, found;
     int status = 0;
-    std::string options = "";
+    std::string options = {};
   } cases[] = {
       // clang-format off
       {"[COTA_X1_EU]\nring.seconds = 40", "", 0, codes},
