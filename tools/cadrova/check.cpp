@@ -159,7 +159,11 @@ std::set<std::string> Needless(const Feature& feature, const Chains& chains) {
       Chain chain = chains.Of(region, carrier);
       const Answer& answer = answers.Take(chain);
       if (!answer.map) continue;
-      const Answer* const without = chain.empty() ? nullptr : &answers.Of(chain);
+      // The chain may have the map once more.
+      const Answer* without = &answer;
+      while (without != nullptr && without->map == answer.map) {
+        without = chain.empty() ? nullptr : &answers.Take(chain);
+      }
       if (!compared.emplace(&answer, without).second) continue;
       if (without == nullptr || !answer.IsLike(*without)) needless.erase(*answer.map);
     }
