@@ -256,7 +256,7 @@ TEST(Command, RefusesWithOneLineThatSaysWhy) {
       {"get|sim|string|k|x",
        "the sim family takes no default for a string: a missing one is empty\n"},
       {"get|sim|int|k|--sim|x", "--sim 'x' is no KEY=VALUE\n"},
-      {int_k + "|--data|", "cadrova: --data names no file\n"},
+      {int_k + "|--data|", "cadrova: '' names no file\n"},
       {int_k + "|--data|a\nb", "a?b: can't be read: No such file or directory\n"},
       {int_k + "|--data|/tmp", "/tmp: can't be read: Is a directory\n"},
       {int_k + "|--data|/proc/self/mem", "/proc/self/mem: can't be read: Input/output error\n"},

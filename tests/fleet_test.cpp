@@ -195,6 +195,11 @@ TEST(Fleet, HasNoMistakeUnfound) {
       {"[SIM_X1]\nring.seconds = 4.0\nfloat = 1.5", "6:6: error: ring.seconds is a float, for which nothing asks a SIM map\n" "6:6: error: ring.seconds is float here, but int in DEFAULT\n" "7:1: error: float is a float, for which nothing asks a SIM map\n", 1},
       {"[COTA_X1_EU]\nring.seconds = 25", "6:6: warning: every device gets the same ring.seconds without this\n"},
       {"[SIM_X1]\nring.seconds = 25", "6:6: warning: every device gets the same ring.seconds without this\n"},
+      // A region called as a carrier's map, whose devices ask that map twice; a value of use by region alone; a list of use as ints alone.
+      {"", "", 0, "|--regions|COTA_X1|--carriers|X1"},
+      {"[EU]\nring.seconds = 35", "", 0, "|--regions|EU|--carriers|X1"},
+      {"l.m = []\n[DEFAULT.l]\nm = []\n[EU]\nl.m = [1]\n[COTA_N7]\nl.m = ['a']", "11:3: error: l.m is string-array here, but int-array in EU\n", 1},
+      {"ab = 1\n[EU]\nab = 1\nac = 1", "5:1: warning: ab is not in DEFAULT\n8:1: warning: ac is not in DEFAULT\n"},
       {"[COTA_X1_EU]\nother = 40", "6:1: warning: other is not in DEFAULT\n"},
       {"[EU]\n[eu]", "6:2: warning: eu differs from EU only by case, order or signs\n"},
       {"[COTA_X1_EU]\n[COTA_EU_X1]\nring.seconds = 1", "6:2: warning: COTA_EU_X1 differs from COTA_X1_EU only by case, order or signs\n"},

@@ -39,7 +39,7 @@ class Findings {
       if (is_warning && error == std::pair(line, column)) continue;
       if (!is_warning) error = {line, column};
       const cadrova::host::Mistake place = {file_, line, column, ""};
-      lines += Coloured(cadrova::host::ToString(place), kBold) +
+      lines += Coloured(cadrova::host::Printable(cadrova::host::ToString(place)), kBold) +
                (is_warning ? Coloured("warning: ", kYellow) : Coloured("error: ", kRed)) +
                cadrova::host::Printable(what) + '\n';
     }
@@ -123,17 +123,25 @@ void CheckKeys(const std::map<std::string, Holders>& holders_of, Findings& findi
   }
 }
 
-void CheckMaps(const Inventory& inventory, const Chains& chains, bool codes_are_given,
-               Findings& findings) {
-  const auto names = chains.Names();
-  const std::set<std::string> asked(names.begin(), names.end());
+// The maps that some device asks.
+std::set<std::string> AskedMaps(const std::vector<Chains>& families) {
+  std::set<std::string> asked;
+  for (const Chains& chains : families) {
+    for (std::string& name : chains.Names()) asked.insert(std::move(name));
+  }
+  return asked;
+}
+
+void CheckMaps(const Inventory& inventory, const std::vector<Chains>& families,
+               bool codes_are_given, Findings& findings) {
+  const auto asked = AskedMaps(families);
   std::optional<NearNames> near;
   std::map<std::string, std::string> folded;
   std::vector<Inventory::Map> maps = inventory.maps;
   std::ranges::sort(maps, {}, [](const auto& map) { return map.place.line; });
   for (const auto& [map, place] : maps) {
     if (!asked.contains(map)) {
-      if (!near) near.emplace(names);
+      if (!near) near.emplace(std::vector(asked.begin(), asked.end()));
       const auto others = near->Of(map);
       findings.AddError(place,
                         "no device asks " + Named(map) +
@@ -147,12 +155,11 @@ void CheckMaps(const Inventory& inventory, const Chains& chains, bool codes_are_
   }
 }
 
-// The maps that hold the feature to no purpose: without it, every device is answered the same.
-// DEFAULT is never one of them: it is what others differ from.
-std::set<std::string> Needless(const Feature& feature, const Chains& chains) {
+using Names = std::set<std::pair<std::string, std::string>>;  // of items: map and key
+
+// Adds the items without which some device gets another answer.
+void AddNeeded(const Feature& feature, const Chains& chains, Names& needed) {
   const Answers answers = chains.Ask(feature.kind, feature.key, &feature.maps);
-  std::set<std::string> needless(feature.maps.begin(), feature.maps.end());
-  needless.erase("DEFAULT");
   std::set<std::pair<const Answer*, const Answer*>> compared;
   for (std::size_t region = 0; region < chains.fleet().regions.size(); ++region) {
     for (std::size_t carrier = 0; carrier < chains.fleet().carriers.size(); ++carrier) {
@@ -161,38 +168,31 @@ std::set<std::string> Needless(const Feature& feature, const Chains& chains) {
       if (!answer.map) continue;
       // The chain may have the map once more.
       const Answer* without = &answer;
-      while (without != nullptr && without->map == answer.map) {
-        without = chain.empty() ? nullptr : &answers.Take(chain);
-      }
+      while (without->map == answer.map && !chain.empty()) without = &answers.Take(chain);
       if (!compared.emplace(&answer, without).second) continue;
-      if (without == nullptr || !answer.IsLike(*without)) needless.erase(*answer.map);
+      if (without->map == answer.map || !answer.IsLike(*without)) {
+        needed.emplace(*answer.map, feature.key);
+      }
     }
   }
-  return needless;
 }
 
-void CheckNeed(const Inventory& inventory, const Chains& by_carrier_region, const Chains& by_sim,
+// DEFAULT is what others differ from: no item of it is said to be needless.
+void CheckNeed(const Inventory& inventory, const std::vector<Chains>& families,
                Findings& findings) {
   const auto features = FeaturesOf(inventory);
-  const auto names = by_sim.Names();
-  const std::set<std::string> asked(names.begin(), names.end());
+  Names needed;
   Progress progress("asking each feature");
   for (std::size_t i = 0; i < features.size(); ++i) {
     progress.Show(i, features.size());
-    const Feature& feature = features[i];
-    auto needless = Needless(feature, by_carrier_region);
-    if (HasLookup(by_sim.family(), feature.kind)) {
-      const auto in_sim = Needless(feature, by_sim);
-      std::erase_if(needless, [&](const std::string& map) { return !in_sim.contains(map); });
+    for (const Chains& chains : families) {
+      if (HasLookup(chains.family(), features[i].kind)) AddNeeded(features[i], chains, needed);
     }
-    for (const std::string& map : needless) {
-      if (!asked.contains(map)) continue;
-      const auto item =
-          std::ranges::lower_bound(inventory.items, std::tie(map, feature.key), {},
-                                   [](const Item& one) { return std::tie(one.map, one.key); });
-      findings.AddWarning(item->place,
-                          "every device gets the same " + Named(feature.key) + " without this");
-    }
+  }
+  const auto asked = AskedMaps(families);
+  for (const auto& [map, key, kinds, place] : inventory.items) {
+    if (map == "DEFAULT" || !asked.contains(map) || needed.contains({map, key})) continue;
+    findings.AddWarning(place, "every device gets the same " + Named(key) + " without this");
   }
 }
 
@@ -212,7 +212,11 @@ void Run(const Arguments& given, const FleetArguments& fleets) {
   }
   const auto inventory = List();
   const Fleet fleet = fleets.Take(MapsOf(inventory));
-  const Chains by_carrier_region("carrier-region", fleet), by_sim("sim", fleet);
+  std::vector<Chains> families;
+  families.reserve(4);
+  for (const char* family : {"region", "carrier", "carrier-region", "sim"}) {
+    families.emplace_back(family, fleet);
+  }
   std::map<std::string, Holders> holders_of;
   for (const Item& item : inventory.items) holders_of[item.key].push_back(&item);
   Findings findings(inventory.file);
@@ -221,8 +225,8 @@ void Run(const Arguments& given, const FleetArguments& fleets) {
     CheckKinds(holders, findings);
   }
   CheckKeys(holders_of, findings);
-  CheckMaps(inventory, by_sim, fleets.are_given(), findings);
-  CheckNeed(inventory, by_carrier_region, by_sim, findings);
+  CheckMaps(inventory, families, fleets.are_given(), findings);
+  CheckNeed(inventory, families, findings);
   Print(findings.ToText());
   if (findings.has_errors()) std::exit(1);
 }

@@ -170,7 +170,7 @@ void Run(const Arguments& given, const FleetArguments& fleets) {
   } else {
     Print(AsText(fleet, ToGrids(chains, answers)));
   }
-  if (!answers.are_held()) Fail("no map holds " + *key + " as " + kind, 1);
+  if (!answers.are_held()) Fail("no map holds " + Named(*key) + " as " + kind, 1);
 }
 
 }  // namespace

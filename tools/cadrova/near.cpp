@@ -70,6 +70,9 @@ std::size_t DistanceOfKeys(const std::string& one, const std::string& other) {
   return a.ends_with('.' + b) || b.ends_with('.' + a) ? 1 : Distance(a, b);
 }
 
+// One mistake makes any such name of any other.
+bool IsShort(const std::string& name) { return name.size() < 3; }
+
 // Whether the names are one but for the numbers in them.
 bool DifferByNumbers(const std::string& one, const std::string& other) {
   const auto is_digit = [](const std::string& name, std::size_t i) {
@@ -136,7 +139,7 @@ std::vector<std::string> Similar(const Items& items, const std::vector<std::stri
     places[item_key].emplace_back(std::ranges::find(maps, map) - maps.begin(), map);
   }
   places.erase(key);
-  const std::size_t most = key.size() < 3 ? 0 : std::max<std::size_t>(1, key.size() / 5);
+  const std::size_t most = IsShort(key) ? 0 : std::max<std::size_t>(1, key.size() / 5);
   std::vector<std::pair<std::pair<std::size_t, std::ptrdiff_t>, std::string>> ranked;
   for (const auto& [other, holders] : places) {
     const std::size_t distance = DistanceOfKeys(other, key);
@@ -164,7 +167,7 @@ std::vector<std::string> NearNames::Of(const std::string& name) const {
       const std::string& other = names_[i];
       if (DifferByNumbers(other, name)) continue;
       const std::pair rank(!IsAlmost(other, name), DistanceOfKeys(other, name));
-      if (!rank.first || rank.second <= 1) ranked.insert({rank, other});
+      if (!rank.first || rank.second <= (IsShort(name) ? 0U : 1U)) ranked.insert({rank, other});
     }
   }
   return Texts(std::vector(ranked.begin(), ranked.end()));

@@ -15,8 +15,16 @@ namespace cadrova::host {
 
 using cadrova::host::Mistake;
 
+namespace {
+
+void RequireName(const std::string& path) {
+  if (path.empty()) Fail("'' names no file");
+}
+
+}  // namespace
+
 std::optional<Mistake> TryFile(const std::string& path) {
-  if (path.empty()) Fail("--data names no file");
+  RequireName(path);
   if (cadrova::host::AnswerFromFile == nullptr) {
     Fail("--data: this parser core reads no file of ours");
   }
@@ -28,6 +36,7 @@ void AnswerFromFile(const std::string& path) {
 }
 
 DataFile::DataFile(const std::string& path) : path_(path) {
+  RequireName(path);
   auto contents = cadrova::host::ReadFile(path);
   if (const auto* mistake = std::get_if<Mistake>(&contents)) cadrova::host::Stop(*mistake);
   contents_ = std::get<std::string>(std::move(contents));
