@@ -156,6 +156,9 @@ TEST(Fleet, IsComparedWithWhatAnotherFileMakesOfIt) {
                "string new by carrier-region and sim\n  no map -> \"n\" COTA_X1_EU: X1 in EU\n",
                "", 1}});
   ExpectEach({{diff("[COTA_X1_EU]\nk = 3\n", "|--family|sim"), ""}});
+  ExpectEach(
+      {{diff("[COTA_X1]\nk = 3\n[COTA_X1_F]\nk = 1\n", "|--regions|A,B,C,D,F"),
+        "int k by carrier-region\n  1 DEFAULT -> 3 COTA_X1: X1 in every region but F\n", "", 1}});
   ExpectEach({{diff("[COTA_X1_EU]\nk = 3\n", "|--json|--regions|EU,JP|--carriers|X1"),
                R"([
 {"family":"carrier-region","kind":"int","key":"k","region":"EU","carrier":"X1","old":{"value":1,"map":"DEFAULT"},"new":{"value":3,"map":"COTA_X1_EU"}}
@@ -197,9 +200,10 @@ TEST(Fleet, HasNoMistakeUnfound) {
       {"[SIM_X1]\nring.seconds = 25", "6:6: warning: every device gets the same ring.seconds without this\n"},
       // A region called as a carrier's map, whose devices ask that map twice; a value of use by region alone; a list of use as ints alone.
       {"", "", 0, "|--regions|COTA_X1|--carriers|X1"},
+      {"[COTA_N7]\nring.seconds = 30", "6:6: warning: every device gets the same ring.seconds without this\n", 0, "|--regions|COTA_N7|--carriers|N7,X1"},
       {"[EU]\nring.seconds = 35", "", 0, "|--regions|EU|--carriers|X1"},
       {"l.m = []\n[DEFAULT.l]\nm = []\n[EU]\nl.m = [1]\n[COTA_N7]\nl.m = ['a']", "11:3: error: l.m is string-array here, but int-array in EU\n", 1},
-      {"ab = 1\n[EU]\nab = 1\nac = 1", "5:1: warning: ab is not in DEFAULT\n8:1: warning: ac is not in DEFAULT\n"},
+      {"ab = 1\n[EU]\nab = 1\n[JP]\nac = 1", "5:1: warning: ab is not in DEFAULT\n9:1: warning: ac is not in DEFAULT\n"},
       {"[COTA_X1_EU]\nother = 40", "6:1: warning: other is not in DEFAULT\n"},
       {"[EU]\n[eu]", "6:2: warning: eu differs from EU only by case, order or signs\n"},
       {"[COTA_X1_EU]\n[COTA_EU_X1]\nring.seconds = 1", "6:2: warning: COTA_EU_X1 differs from COTA_X1_EU only by case, order or signs\n"},
