@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "answers.h"
+#include "arguments.h"
 #include "commands.h"
 #include "console.h"
 #include "file.h"

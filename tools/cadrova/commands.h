@@ -1,7 +1,9 @@
 // The commands, a file each.
 #pragma once
 
-#include <CLI/CLI.hpp>
+namespace CLI {
+class App;
+}
 
 void AddExplain(CLI::App& app);
 void AddGet(CLI::App& app);

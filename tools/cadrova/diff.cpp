@@ -6,6 +6,8 @@
 #include <memory>
 
 #include "answers.h"
+#include "arguments.h"
+#include "as_json.h"
 #include "commands.h"
 #include "console.h"
 #include "json.h"

@@ -6,6 +6,8 @@
 #include <optional>
 #include <utility>
 
+#include "arguments.h"
+#include "as_json.h"
 #include "commands.h"
 #include "console.h"
 #include "file.h"
@@ -13,7 +15,6 @@
 #include "json.h"
 #include "lookup/kind.h"
 #include "near.h"
-#include "question.h"
 #include "stand_in.h"
 #include "table.h"
 

@@ -1,6 +1,7 @@
 #include "fleet.h"
 
 #include <algorithm>
+#include <optional>
 #include <set>
 #include <string_view>
 #include <utility>
@@ -18,7 +19,8 @@ std::optional<std::pair<std::string, std::string>> Divided(const std::string& na
   return std::nullopt;
 }
 
-// The codes that maps with these names are for, and the unset ones.
+}  // namespace
+
 Fleet FleetOf(const std::vector<std::string>& maps) {
   std::set<std::string> regions = {""}, carriers = {""};
   std::vector<std::string> composed;  // of a carrier, or of a carrier and a region
@@ -48,30 +50,4 @@ Fleet FleetOf(const std::vector<std::string>& maps) {
     }
   }
   return {{regions.begin(), regions.end()}, {carriers.begin(), carriers.end()}};
-}
-
-std::vector<std::string> Split(const std::string& text) {
-  std::vector<std::string> codes;
-  std::size_t begin = 0;
-  for (std::size_t comma = 0; comma != std::string::npos; begin = comma + 1) {
-    comma = text.find(',', begin);
-    std::string code = text.substr(begin, comma - begin);
-    if (std::ranges::find(codes, code) == codes.end()) codes.push_back(std::move(code));
-  }
-  return codes;
-}
-
-}  // namespace
-
-FleetArguments::FleetArguments(CLI::App& command) {
-  AddArgument(command, "--regions", regions_, "CODES",
-              "The devices' regions, with commas; left out, those of the maps");
-  AddArgument(command, "--carriers", carriers_, "CODES", "Their carriers, likewise");
-}
-
-Fleet FleetArguments::Take(const std::vector<std::string>& maps) const {
-  Fleet fleet = FleetOf(maps);
-  if (regions_) fleet.regions = Split(*regions_);
-  if (carriers_) fleet.carriers = Split(*carriers_);
-  return fleet;
 }

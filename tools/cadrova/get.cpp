@@ -4,10 +4,11 @@
 #include <cstdlib>
 #include <memory>
 
+#include "arguments.h"
+#include "as_json.h"
 #include "commands.h"
 #include "console.h"
 #include "hearing.h"
-#include "question.h"
 
 void AddGet(CLI::App& app) {
   CLI::App& get = *app.add_subcommand("get", "Print the value of one feature");

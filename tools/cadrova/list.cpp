@@ -4,11 +4,12 @@
 
 #include <memory>
 
+#include "arguments.h"
+#include "as_json.h"
 #include "commands.h"
 #include "console.h"
 #include "features.h"
 #include "json.h"
-#include "question.h"
 #include "stand_in.h"
 #include "table.h"
 

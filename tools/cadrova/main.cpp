@@ -1,5 +1,6 @@
 // cadrova: how this device unit is customized, and why.
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <sstream>
 #include <string>

@@ -5,6 +5,8 @@
 #include <memory>
 #include <system_error>
 
+#include "arguments.h"
+#include "as_json.h"
 #include "commands.h"
 #include "console.h"
 #include "grid.h"

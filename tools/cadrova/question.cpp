@@ -5,9 +5,7 @@
 
 #include "cadrova/cadrova.h"
 #include "console.h"
-#include "hearing.h"
 #include "lookup/kind.h"
-#include "stand_in.h"
 
 using namespace cadrova::watch;
 
@@ -139,40 +137,4 @@ ExistenceTest* TestOf(const Value& value, bool is_sim) {
         return Row::exists;
       },
       value);
-}
-
-void AddData(CLI::App& command, std::optional<std::string>& data) {
-  AddArgument(command, "--data", data, "FILE", "The customization file of the stand-in core");
-}
-
-QuestionArguments::QuestionArguments(CLI::App& command) {
-  AddFeature(command, family_, kind_, key_);
-  for (CLI::Option* argument : command.get_options()) {
-    if (argument->get_positional()) argument->required();
-  }
-  AddArgument(command, "DEFAULT", default_, "",
-              "For a missing item; left out: false, 0, 0 or empty");
-  AddData(command, data_);
-  AddArgument(command, "--region", region_, "CODE",
-              "The region code; left out, what the property store holds");
-  AddArgument(command, "--carrier", carrier_, "CODE",
-              "The carrier code; left out, what the property store holds");
-  AddArgument(command, "--sim", sim_items_, "KEY=VALUE",
-              "Handed over for the SIM first; may be repeated")
-      ->expected(1)
-      ->allow_extra_args(false)  // What follows is not for the SIM.
-      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-}
-
-Question QuestionArguments::Take() const {
-  const Question question = ToQuestion(family_, kind_, key_, default_);
-  if (data_) AnswerFromFile(*data_);
-  if (region_) OverrideProperty(kRegionCode, *region_);
-  if (carrier_) OverrideProperty(kCarrierCode, *carrier_);
-  for (const std::string& item : sim_items_) {
-    const std::size_t equals = item.find('=');
-    if (equals == std::string::npos) Fail("--sim '" + item + "' is no KEY=VALUE");
-    android::setSimCadrova(item.substr(0, equals), item.substr(equals + 1));
-  }
-  return question;
 }

@@ -3,7 +3,6 @@
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
-#include <utility>
 
 #include "console.h"
 #include "json.h"
@@ -73,29 +72,3 @@ std::string ToText(const Value& value) {
   std::visit([&](const auto& answer) { AppendJson(text, answer); }, value);
   return text;
 }
-
-Json ToJson(const Value& value) {
-  const auto* number = std::get_if<float>(&value);
-  if (number != nullptr && !std::isfinite(*number)) {
-    Fail("JSON has no " + ToPlain(*number) + "; ask without --json");
-  }
-  return std::visit([](const auto& answer) { return Json(answer); }, value);
-}
-
-std::string ToLine(const Json& json) {
-  try {
-    return json.dump() + '\n';
-  } catch (const Json::exception&) {
-    Fail("JSON can't carry what is not UTF-8; ask without --json");
-  }
-}
-
-void JsonArray::Add(const Json& element) {
-  constexpr std::size_t kMuch = 1U << 16U;
-  std::string line = ToLine(element);
-  line.pop_back();
-  text_ += (std::exchange(is_empty_, false) ? "\n" : ",\n") + line;
-  if (text_.size() > kMuch) Print(std::exchange(text_, ""));
-}
-
-JsonArray::~JsonArray() { Print(text_ + (is_empty_ ? "]\n" : "\n]\n")); }
