@@ -8,8 +8,8 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "bridge/existence_tests.h"
-#include "bridge/parser_core.h"
+#include "existence_tests.h"
+#include "parser_core.h"
 
 bench::Device bench::device;
 using bench::device;

@@ -19,7 +19,7 @@ if(CADROVA_INSTALL_HOST)
     install(FILES host/data/sample.toml DESTINATION ${CMAKE_INSTALL_DATADIR}/cadrova)
   endif()
   if(TARGET cadrova_host)
-    install(DIRECTORY host/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+    install(DIRECTORY host/include/ host/base/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
   endif()
 endif()
 if(CADROVA_BUILD_COMMAND AND stand_ins AND NOT CADROVA_INSTALL_HOST)
@@ -27,10 +27,10 @@ if(CADROVA_BUILD_COMMAND AND stand_ins AND NOT CADROVA_INSTALL_HOST)
 elseif(CADROVA_BUILD_COMMAND)
   install(TARGETS cadrova cadrova_trace
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-  install(FILES tools/cadrova/cadrova.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
-  install(FILES tools/cadrova/completion.bash RENAME cadrova
+  install(FILES tools/cadrova/share/cadrova.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  install(FILES tools/cadrova/share/completion.bash RENAME cadrova
     DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
-  install(FILES tools/cadrova/_cadrova DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
+  install(FILES tools/cadrova/share/_cadrova DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
 endif()
 
 set(CADROVA_HAS_KIT OFF)

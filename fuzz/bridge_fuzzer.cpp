@@ -11,8 +11,8 @@
 #include <utility>
 #include <vector>
 
-#include "bridge/parser_core.h"
 #include "cadrova/cadrova.h"
+#include "parser_core.h"
 
 namespace {
 

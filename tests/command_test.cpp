@@ -314,7 +314,7 @@ TEST(Command, HelpsAsTheReadmeTheManualAndTheShellsDo) {
     all += out;
   }
   for (const std::string file : {"cadrova.1", "completion.bash", "_cadrova"}) {
-    const std::string text = Contents(sources + "/tools/cadrova/" + file);
+    const std::string text = Contents(sources + "/tools/cadrova/share/" + file);
     const std::string plain = std::regex_replace(text, std::regex("\\\\-"), "-");
     EXPECT_EQ(CommandsAndOptions(plain), CommandsAndOptions(all)) << file;
   }

@@ -14,9 +14,9 @@
 #include <sstream>
 #include <thread>
 
-#include "bridge/parser_core.h"
 #include "cadrova/cadrova.h"
 #include "files.h"
+#include "parser_core.h"
 
 namespace {
 

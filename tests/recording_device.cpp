@@ -10,8 +10,8 @@
 #include <iterator>
 #include <utility>
 
-#include "bridge/existence_tests.h"
-#include "bridge/parser_core.h"
+#include "existence_tests.h"
+#include "parser_core.h"
 
 namespace recording {
 

@@ -13,7 +13,7 @@
 #include <toml++/toml.h>
 
 #include "file.h"
-#include "toml_guard.h"
+#include "toml_precheck.h"
 
 namespace cadrova::host {
 namespace {

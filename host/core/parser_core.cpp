@@ -1,14 +1,14 @@
 // The parser core's interface over customization data.
 
-#include "bridge/parser_core.h"
+#include "parser_core.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
-#include "bridge/existence_tests.h"
 #include "customization.h"
 #include "data.h"
+#include "existence_tests.h"
 #include "file.h"
 
 namespace cadrova::host {

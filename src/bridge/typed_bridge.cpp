@@ -3,9 +3,9 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "bridge/ask.h"
-#include "bridge/parser_core.h"
+#include "bridge/call_core.h"
 #include "cadrova/cadrova.h"
+#include "parser_core.h"
 
 namespace android {
 

@@ -7,10 +7,10 @@
 #include <cstdio>
 #include <string>
 
-#include "bridge/ask.h"
-#include "bridge/parser_core.h"
+#include "bridge/call_core.h"
 #include "lookup/kind.h"
 #include "lookup/line.h"
+#include "parser_core.h"
 
 namespace android::cadrova {
 

@@ -5,8 +5,8 @@
 #include <sstream>
 #include <string>
 
-#include "commands.h"
-#include "console.h"
+#include "commands/commands.h"
+#include "output/console.h"
 
 namespace {
 

@@ -1,0 +1,64 @@
+// The library's lookups, found by their symbols before the library's own: each passes the call on
+// and says what came of it.
+
+#include <string>
+#include <utility>
+
+#include "cadrova/cadrova.h"
+#include "common/value.h"
+#include "interpose/next_symbol.h"
+#include "lookup.h"
+
+namespace cadrova::tools {
+namespace {
+
+template <auto* own, class... Default>
+auto Traced(const char* function, std::string& key, Default&... default_value) {
+  auto* const next = Next<own>::Find();
+  if (Lookup::current != nullptr) return next(std::move(key), std::move(default_value)...);
+  Lookup lookup(function, key, default_value...);
+  auto value = next(std::move(key), std::move(default_value)...);
+  lookup.Returned(value);
+  return value;
+}
+
+}  // namespace
+}  // namespace cadrova::tools
+
+using namespace cadrova::tools;
+
+namespace android {
+
+#define WITH_DEFAULT(name, Kind)                       \
+  Kind name(std::string key, Kind default_value) {     \
+    return Traced<name>(__func__, key, default_value); \
+  }
+#define WITHOUT_DEFAULT(name, Kind) \
+  Kind name(std::string key) { return Traced<name>(__func__, key); }
+#define COMMON_TO_FAMILIES(Family)                              \
+  WITH_DEFAULT(get##Family##BooleanFeature, bool)               \
+  WITH_DEFAULT(get##Family##IntFeature, int)                    \
+  WITHOUT_DEFAULT(get##Family##StringArrayFeature, StringArray) \
+  WITHOUT_DEFAULT(get##Family##IntArrayFeature, IntArray)       \
+  WITHOUT_DEFAULT(get##Family##MapArrayFeature, MapArray)
+#define FAMILY(Family)                           \
+  COMMON_TO_FAMILIES(Family)                     \
+  WITH_DEFAULT(get##Family##FloatFeature, float) \
+  WITH_DEFAULT(get##Family##StringFeature, std::string)
+
+FAMILY(Cust)
+FAMILY(RegionCust)
+FAMILY(CotaCust)
+FAMILY(CotaRegionCust)
+COMMON_TO_FAMILIES(SimCust)
+WITHOUT_DEFAULT(getSimCustStringFeature, std::string)
+
+void setSimCadrova(std::string first, std::string second) {
+  auto* const next = Next<setSimCadrova>::Find();
+  if (Lookup::current != nullptr) return next(std::move(first), std::move(second));
+  Lookup lookup(__func__, first, second);
+  next(std::move(first), std::move(second));
+  lookup.HandedOver();
+}
+
+}  // namespace android
