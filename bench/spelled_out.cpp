@@ -15,7 +15,7 @@
 namespace android {
 
 using base::GetProperty;
-using cadrova::IsYes;
+using cadrova::core::IsTrue;
 
 int getIntFromRust(std::string map, std::string key, int default_value) {
   return get_int_from_map(std::string(map), std::string(key), default_value);
@@ -46,7 +46,7 @@ int getCustIntFeature(std::string key, int default_value) {
 
 int getRegionCustIntFeature(std::string key, int default_value) {
   std::string region = GetProperty("ro.orvel.region", "");
-  if (IsYes(get_int_item_exist(std::string(region), std::string(key)))) {
+  if (IsTrue(get_int_item_exist(std::string(region), std::string(key)))) {
     std::printf("getRegionCustIntFeature exist with the region : %d \n",
                 getIntFromRust(region, key, default_value));
     return getIntFromRust(region, key, default_value);
@@ -58,7 +58,7 @@ int getRegionCustIntFeature(std::string key, int default_value) {
 
 std::string getRegionCustStringFeature(std::string key, std::string default_value) {
   std::string region = GetProperty("ro.orvel.region", "");
-  if (IsYes(get_str_item_exist(std::string(region), std::string(key)))) {
+  if (IsTrue(get_str_item_exist(std::string(region), std::string(key)))) {
     std::printf("getRegionCustStringFeature exist with the region : %s \n",
                 getStringFromRust(region, key, default_value).c_str());
     return getStringFromRust(region, key, default_value);
@@ -71,7 +71,7 @@ std::string getRegionCustStringFeature(std::string key, std::string default_valu
 int getCotaCustIntFeature(std::string key, int default_value) {
   std::string carrier = GetProperty("persist.sys.cota.carrier", "");
   std::string carrier_map = "COTA_" + carrier;
-  if (IsYes(get_int_item_exist(std::string(carrier_map), std::string(key)))) {
+  if (IsTrue(get_int_item_exist(std::string(carrier_map), std::string(key)))) {
     std::printf("getCotaCustIntFeature exist with the carrier : %d \n",
                 getIntFromRust(carrier_map, key, default_value));
     return getIntFromRust(carrier_map, key, default_value);
@@ -84,7 +84,7 @@ int getCotaCustIntFeature(std::string key, int default_value) {
 std::vector<std::string> getCotaCustStringArrayFeature(std::string key) {
   std::string carrier = GetProperty("persist.sys.cota.carrier", "");
   std::string carrier_map = "COTA_" + carrier;
-  if (IsYes(get_str_arr_item_exist(std::string(carrier_map), std::string(key)))) {
+  if (IsTrue(get_str_arr_item_exist(std::string(carrier_map), std::string(key)))) {
     std::puts("getCotaCustStringArrayFeature exist with the carrier ! ");
     return getStringArrayFromRust(carrier_map, key);
   }
@@ -97,17 +97,17 @@ int getCotaRegionCustIntFeature(std::string key, int default_value) {
   std::string carrier = GetProperty("persist.sys.cota.carrier", "");
   std::string carrier_and_region_map = "COTA_" + carrier + "_" + region;
   std::string carrier_map = "COTA_" + carrier;
-  if (IsYes(get_int_item_exist(std::string(carrier_and_region_map), std::string(key)))) {
+  if (IsTrue(get_int_item_exist(std::string(carrier_and_region_map), std::string(key)))) {
     std::printf("getCotaRegionCustIntFeature exist with the carrier & region : %d \n",
                 getIntFromRust(carrier_and_region_map, key, default_value));
     return getIntFromRust(carrier_and_region_map, key, default_value);
   }
-  if (IsYes(get_int_item_exist(std::string(carrier_map), std::string(key)))) {
+  if (IsTrue(get_int_item_exist(std::string(carrier_map), std::string(key)))) {
     std::printf("getCotaRegionCustIntFeature exist with the carrier : %d \n",
                 getIntFromRust(carrier_map, key, default_value));
     return getIntFromRust(carrier_map, key, default_value);
   }
-  if (IsYes(get_int_item_exist(std::string(region), std::string(key)))) {
+  if (IsTrue(get_int_item_exist(std::string(region), std::string(key)))) {
     std::printf("getCotaRegionCustIntFeature exist with the region : %d \n",
                 getIntFromRust(region, key, default_value));
     return getIntFromRust(region, key, default_value);
@@ -120,12 +120,12 @@ int getCotaRegionCustIntFeature(std::string key, int default_value) {
 int getSimCustIntFeature(std::string key, int default_value) {
   std::string carrier = GetProperty("persist.sys.cota.carrier", "");
   std::string sim_map = "SIM_" + carrier;
-  if (IsYes(sim_get_int_item_exist(std::string(sim_map), std::string(key)))) {
+  if (IsTrue(sim_get_int_item_exist(std::string(sim_map), std::string(key)))) {
     std::printf("getSimCustIntFeature exist with the carrier : %d \n",
                 getIntFromRust(sim_map, key, default_value));
     return getIntFromRust(sim_map, key, default_value);
   }
-  if (IsYes(sim_get_int_item_exist(std::string("SIM_DEFAULT"), std::string(key)))) {
+  if (IsTrue(sim_get_int_item_exist(std::string("SIM_DEFAULT"), std::string(key)))) {
     std::printf("getSimCustIntFeature do not exist with the carrier : %d \n",
                 getIntFromRust("SIM_DEFAULT", key, default_value));
     return getIntFromRust("SIM_DEFAULT", key, default_value);

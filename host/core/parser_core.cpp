@@ -88,7 +88,7 @@ using namespace cadrova::host;
 
 cadrova_core_bool get_bool_from_map(const std::string& map, const std::string& key,
                                     cadrova_core_bool default_value) {
-  return Get<bool>(map, key, android::cadrova::IsYes(default_value));
+  return Get<bool>(map, key, cadrova::core::IsTrue(default_value));
 }
 
 std::int32_t get_int_from_map(const std::string& map, const std::string& key,

@@ -19,7 +19,7 @@
 extern "C" {
 
 // A `bool` as it crosses the boundary. Only the lowest bit counts, and compilers disagree on what a
-// foreign `bool` of 2 means, so it goes both ways as a byte: an answer is tested with `IsYes`, and
+// foreign `bool` of 2 means, so it goes both ways as a byte: an answer is tested with `IsTrue`, and
 // a default made with `LowestBit`.
 using cadrova_core_bool = std::uint8_t;
 
@@ -70,15 +70,15 @@ void cxx_sim_set_the_cadrova(const std::string& name, const std::string& first,
 
 }  // extern "C"
 
-namespace android::cadrova {
+namespace cadrova::core {
 
 static_assert(sizeof(void*) == 8 && std::endian::native == std::endian::little);
 
-constexpr bool IsYes(cadrova_core_bool answer) { return (answer & 1) != 0; }
+constexpr bool IsTrue(cadrova_core_bool answer) { return (answer & 1) != 0; }
 
 // Volatile, since compilers take it for granted that a caller's `bool` is 0 or 1.
 inline cadrova_core_bool LowestBit(const bool& flag) {
   return *reinterpret_cast<const volatile cadrova_core_bool*>(&flag) & 1;
 }
 
-}  // namespace android::cadrova
+}  // namespace cadrova::core

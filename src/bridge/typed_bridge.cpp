@@ -9,22 +9,24 @@
 
 namespace android {
 
-using namespace cadrova;
+using namespace cadrova_cpp;
+using ::cadrova::core::IsTrue;
+using ::cadrova::core::LowestBit;
 
 bool getBooleanFromRust(std::string map, std::string key, bool default_value) {
-  return IsYes(Ask(get_bool_from_map, map, key, LowestBit(default_value)));
+  return IsTrue(CallCore(get_bool_from_map, map, key, LowestBit(default_value)));
 }
 
 int getIntFromRust(std::string map, std::string key, int default_value) {
-  return Ask(get_int_from_map, map, key, default_value);
+  return CallCore(get_int_from_map, map, key, default_value);
 }
 
 float getFloatFromRust(std::string map, std::string key, float default_value) {
-  return Ask(get_float_from_map, map, key, default_value);
+  return CallCore(get_float_from_map, map, key, default_value);
 }
 
 std::string getStringFromRust(std::string map, std::string key, std::string default_value) {
-  char* const block = Ask(get_str_from_map, map, key, default_value);
+  char* const block = CallCore(get_str_from_map, map, key, default_value);
   std::string value(block, std::strlen(block));
   std::free(block);
   return value;
@@ -35,7 +37,7 @@ std::string getStringFromRust(std::string map, std::string key, std::string defa
 
 std::vector<std::string> getStringArrayFromRust(std::string map, std::string key) {
   std::vector<std::string> list;
-  char** const block = Ask(get_str_arr_from_map, map, key);
+  char** const block = CallCore(get_str_arr_from_map, map, key);
   if (block == nullptr) return list;
   for (char** slot = block; *slot != nullptr; ++slot) {
     list.push_back(std::string(*slot));
@@ -47,7 +49,7 @@ std::vector<std::string> getStringArrayFromRust(std::string map, std::string key
 
 std::vector<int> getIntArrayFromRust(std::string map, std::string key) {
   std::vector<int> list;
-  std::int32_t* const block = Ask(get_int_arr_from_map, map, key);
+  std::int32_t* const block = CallCore(get_int_arr_from_map, map, key);
   if (block == nullptr) return list;
   const std::int32_t count = block[0];
   for (std::int32_t i = 0; i < count; ++i) list.push_back(block[1 + i]);
@@ -57,7 +59,7 @@ std::vector<int> getIntArrayFromRust(std::string map, std::string key) {
 
 std::vector<std::pair<std::string, std::string>> getMapFromRust(std::string map, std::string key) {
   std::vector<std::pair<std::string, std::string>> list;
-  char** const block = Ask(get_map_arr_from_map, map, key);
+  char** const block = CallCore(get_map_arr_from_map, map, key);
   if (block == nullptr) return list;
   // After a NULL key the slot for its value may not exist.
   for (char** slot = block; slot[0] != nullptr && slot[1] != nullptr; slot += 2) {

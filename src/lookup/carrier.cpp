@@ -5,9 +5,9 @@
 namespace android {
 namespace {
 
-using namespace cadrova;
+using namespace cadrova_cpp;
 
-std::string CarrierMap() { return Joined("COTA_", CarrierCode()); }
+std::string CarrierMap() { return Concatenated("COTA_", CarrierCode()); }
 
 template <class Value>
 struct Lines {
@@ -17,7 +17,7 @@ struct Lines {
 template <class Value, class... Default>
 Value LookUp(Lines<Value> lines, const std::string& key, const Default&... default_value) {
   const std::string carrier_map = CarrierMap();
-  if (Holds(Kind<Value>::exists, carrier_map, key)) {
+  if (Holds(KindTraits<Value>::exists, carrier_map, key)) {
     return Report(lines.in_carrier, carrier_map, key, default_value...);
   }
   return Report(lines.in_default, "DEFAULT", key, default_value...);

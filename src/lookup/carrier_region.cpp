@@ -5,7 +5,7 @@
 namespace android {
 namespace {
 
-using namespace cadrova;
+using namespace cadrova_cpp;
 
 template <class Value>
 struct Lines {
@@ -16,20 +16,20 @@ struct Lines {
 // code is no special case: the names are composed and asked all the same.
 struct Maps {
   std::string region = RegionCode();
-  std::string carrier = Joined("COTA_", CarrierCode());
-  std::string carrier_and_region = Joined(carrier, Joined("_", region));
+  std::string carrier = Concatenated("COTA_", CarrierCode());
+  std::string carrier_and_region = Concatenated(carrier, Concatenated("_", region));
 };
 
 template <class Value, class... Default>
 Value LookUp(Lines<Value> lines, const std::string& key, const Default&... default_value) {
   const Maps maps;
-  if (Holds(Kind<Value>::exists, maps.carrier_and_region, key)) {
+  if (Holds(KindTraits<Value>::exists, maps.carrier_and_region, key)) {
     return Report(lines.in_carrier_and_region, maps.carrier_and_region, key, default_value...);
   }
-  if (Holds(Kind<Value>::exists, maps.carrier, key)) {
+  if (Holds(KindTraits<Value>::exists, maps.carrier, key)) {
     return Report(lines.in_carrier, maps.carrier, key, default_value...);
   }
-  if (Holds(Kind<Value>::exists, maps.region, key)) {
+  if (Holds(KindTraits<Value>::exists, maps.region, key)) {
     return Report(lines.in_region, maps.region, key, default_value...);
   }
   return Report(lines.in_default, "DEFAULT", key, default_value...);

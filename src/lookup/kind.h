@@ -13,7 +13,7 @@
 #include "cadrova/cadrova.h"
 #include "parser_core.h"
 
-namespace android::cadrova {
+namespace android::cadrova_cpp {
 
 using StringArray = std::vector<std::string>;
 using IntArray = std::vector<int>;
@@ -21,10 +21,10 @@ using MapArray = std::vector<std::pair<std::string, std::string>>;
 
 // A kind is known by the type of its values.
 template <class Value>
-struct Kind;
+struct KindTraits;
 
 template <>
-struct Kind<bool> {
+struct KindTraits<bool> {
   static constexpr auto exists = get_bool_item_exist;
   static constexpr auto exists_in_sim = sim_get_bool_item_exist;
   static constexpr auto read = getBooleanFromRust;
@@ -32,7 +32,7 @@ struct Kind<bool> {
 };
 
 template <>
-struct Kind<int> {
+struct KindTraits<int> {
   static constexpr auto exists = get_int_item_exist;
   static constexpr auto exists_in_sim = sim_get_int_item_exist;
   static constexpr auto read = getIntFromRust;
@@ -40,7 +40,7 @@ struct Kind<int> {
 };
 
 template <>
-struct Kind<float> {
+struct KindTraits<float> {
   static constexpr auto exists = get_float_item_exist;
   // The core has no SIM existence test for floats.
   static constexpr auto read = getFloatFromRust;
@@ -48,7 +48,7 @@ struct Kind<float> {
 };
 
 template <>
-struct Kind<std::string> {
+struct KindTraits<std::string> {
   static constexpr auto exists = get_str_item_exist;
   static constexpr auto exists_in_sim = sim_get_str_item_exist;
   static constexpr auto read = getStringFromRust;
@@ -56,7 +56,7 @@ struct Kind<std::string> {
 };
 
 template <>
-struct Kind<StringArray> {
+struct KindTraits<StringArray> {
   static constexpr auto exists = get_str_arr_item_exist;
   static constexpr auto exists_in_sim = sim_get_str_arr_item_exist;
   static constexpr auto read = getStringArrayFromRust;
@@ -64,7 +64,7 @@ struct Kind<StringArray> {
 };
 
 template <>
-struct Kind<IntArray> {
+struct KindTraits<IntArray> {
   static constexpr auto exists = get_int_arr_item_exist;
   static constexpr auto exists_in_sim = sim_get_int_arr_item_exist;
   static constexpr auto read = getIntArrayFromRust;
@@ -72,11 +72,11 @@ struct Kind<IntArray> {
 };
 
 template <>
-struct Kind<MapArray> {
+struct KindTraits<MapArray> {
   static constexpr auto exists = get_map_arr_item_exist;
   static constexpr auto exists_in_sim = sim_get_map_arr_item_exist;
   static constexpr auto read = getMapFromRust;
   static constexpr std::string_view line_end = " ! ";
 };
 
-}  // namespace android::cadrova
+}  // namespace android::cadrova_cpp

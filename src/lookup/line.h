@@ -5,7 +5,7 @@
 
 #include "lookup/kind.h"
 
-namespace android::cadrova {
+namespace android::cadrova_cpp {
 
 // Not constant expressions, and named after what keeps a text from compiling.
 void LineDoesNotEndAsItsKindRequires();
@@ -16,12 +16,12 @@ template <class Value>
 struct Line {
   consteval Line(const char* literal) : text(literal) {
     std::string_view words = literal;
-    if (!words.ends_with(Kind<Value>::line_end)) LineDoesNotEndAsItsKindRequires();
-    words.remove_suffix(Kind<Value>::line_end.size());
+    if (!words.ends_with(KindTraits<Value>::line_end)) LineDoesNotEndAsItsKindRequires();
+    words.remove_suffix(KindTraits<Value>::line_end.size());
     if (words.find('%') != std::string_view::npos) LineHasAnotherConversion();
   }
 
   const char* text;
 };
 
-}  // namespace android::cadrova
+}  // namespace android::cadrova_cpp

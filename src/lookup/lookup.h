@@ -12,7 +12,7 @@
 #include "lookup/line.h"
 #include "parser_core.h"
 
-namespace android::cadrova {
+namespace android::cadrova_cpp {
 
 // The device's codes, verbatim; empty where their system property is unset.
 inline std::string RegionCode() { return base::GetProperty("ro.orvel.region", ""); }
@@ -20,7 +20,7 @@ inline std::string CarrierCode() { return base::GetProperty("persist.sys.cota.ca
 
 // Two parts of a map name. Flattened, since most fronts are constants and then no more than a
 // store.
-[[gnu::flatten]] inline std::string Joined(const std::string& front, const std::string& back) {
+[[gnu::flatten]] inline std::string Concatenated(const std::string& front, const std::string& back) {
   return front + back;
 }
 
@@ -30,15 +30,15 @@ using ExistenceTest = cadrova_core_bool(const std::string& map, const std::strin
 // Compiled once and called: copies are most of it, and lookups ask in many places.
 [[gnu::noinline]] inline bool Holds(ExistenceTest* exists, const std::string& map,
                                     const std::string& key) {
-  return IsYes(Ask(exists, map, key));
+  return ::cadrova::core::IsTrue(CallCore(exists, map, key));
 }
 
 // A value as `printf` takes it.
 template <class Number>
-Number Printable(Number number) {
+Number PrintfArgument(Number number) {
   return number;
 }
-inline const char* Printable(const std::string& text) { return text.c_str(); }
+inline const char* PrintfArgument(const std::string& text) { return text.c_str(); }
 
 // Scalars and strings: the line shows a first reading, and the caller gets a second.
 template <class Value>
@@ -46,16 +46,16 @@ Value Report(Line<Value> line, const std::string& map, const std::string& key,
              const Value& default_value) {
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"  // `Line` has checked it.
-  std::printf(line.text, Printable(Kind<Value>::read(map, key, default_value)));
+  std::printf(line.text, PrintfArgument(KindTraits<Value>::read(map, key, default_value)));
 #pragma GCC diagnostic pop
-  return Kind<Value>::read(map, key, default_value);
+  return KindTraits<Value>::read(map, key, default_value);
 }
 
 // Lists: announced by the line, then read once.
 template <class Value>
 Value Report(Line<Value> line, const std::string& map, const std::string& key) {
   std::puts(line.text);
-  return Kind<Value>::read(map, key);
+  return KindTraits<Value>::read(map, key);
 }
 
-}  // namespace android::cadrova
+}  // namespace android::cadrova_cpp

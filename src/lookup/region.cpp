@@ -5,7 +5,7 @@
 namespace android {
 namespace {
 
-using namespace cadrova;
+using namespace cadrova_cpp;
 
 template <class Value>
 struct Lines {
@@ -15,7 +15,7 @@ struct Lines {
 template <class Value, class... Default>
 Value LookUp(Lines<Value> lines, const std::string& key, const Default&... default_value) {
   const std::string region = RegionCode();
-  if (Holds(Kind<Value>::exists, region, key)) {
+  if (Holds(KindTraits<Value>::exists, region, key)) {
     return Report(lines.in_region, region, key, default_value...);
   }
   return Report(lines.in_default, "DEFAULT", key, default_value...);

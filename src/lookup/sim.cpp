@@ -6,9 +6,9 @@
 namespace android {
 namespace {
 
-using namespace cadrova;
+using namespace cadrova_cpp;
 
-std::string SimMap() { return Joined("SIM_", CarrierCode()); }
+std::string SimMap() { return Concatenated("SIM_", CarrierCode()); }
 
 // A "do not exist" line says that the carrier's SIM map lacks the item. It is printed where
 // "SIM_DEFAULT" does hold it, and is meant to be.
@@ -22,10 +22,10 @@ template <class Value, class... Default>
 Value LookUp(Lines<Value> lines, Value (*last_resort)(std::string, Default...),
              const std::string& key, const Default&... default_value) {
   const std::string sim_map = SimMap();
-  if (Holds(Kind<Value>::exists_in_sim, sim_map, key)) {
+  if (Holds(KindTraits<Value>::exists_in_sim, sim_map, key)) {
     return Report(lines.in_sim, sim_map, key, default_value...);
   }
-  if (Holds(Kind<Value>::exists_in_sim, "SIM_DEFAULT", key)) {
+  if (Holds(KindTraits<Value>::exists_in_sim, "SIM_DEFAULT", key)) {
     return Report(lines.in_sim_default, "SIM_DEFAULT", key, default_value...);
   }
   return last_resort(key, default_value...);
@@ -76,10 +76,10 @@ std::vector<std::pair<std::string, std::string>> getSimCustMapArrayFeature(std::
 }
 
 void setSimCadrova(std::string first, std::string second) {
-  Ask(cxx_sim_set_the_cadrova, "SIM_DEFAULT", first, second);
+  CallCore(cxx_sim_set_the_cadrova, "SIM_DEFAULT", first, second);
   // Only now is the carrier code read, and handed over bare: the "SIM_" that the lookups put in
   // front of it does not belong here.
-  Ask(cxx_sim_set_the_cadrova, CarrierCode(), first, second);
+  CallCore(cxx_sim_set_the_cadrova, CarrierCode(), first, second);
 }
 
 }  // namespace android

@@ -69,7 +69,7 @@ void AppendJson(std::string& text, Number number) {
 }
 
 inline void AppendJson(std::string& text, cadrova_core_bool answer) {
-  AppendJson(text, android::cadrova::IsYes(answer));
+  AppendJson(text, cadrova::core::IsTrue(answer));
 }
 
 template <class First, class Second>

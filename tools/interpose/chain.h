@@ -19,7 +19,7 @@ class Chain {
     using What = Step::What;
     if (step.what == What::kProperty || is_answered_) return;
     maps_.push_back({step.name, step.what == What::kSimTest});
-    if (step.exists != nullptr) is_held_ = android::cadrova::IsYes(*step.exists);
+    if (step.exists != nullptr) is_held_ = cadrova::core::IsTrue(*step.exists);
     // The last resort is read without a test.
     const bool is_read = step.what == What::kRead;
     if (is_read) is_held_ = Holds(step.test_of_kind, step.name, step.key);

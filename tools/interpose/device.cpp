@@ -85,7 +85,7 @@ auto Read(ExistenceTest* test_of_kind, const char* function, const std::string& 
 }  // namespace
 
 bool Holds(ExistenceTest* test, const std::string& map, const std::string& key) {
-  return android::cadrova::IsYes(Ask(test, map, key));
+  return cadrova::core::IsTrue(Ask(test, map, key));
 }
 
 }  // namespace cadrova::tools

@@ -46,9 +46,9 @@ Place Look(const Chain::Map& map, const Question& question) {
         place.kinds.emplace_back(kKindNames[Value(kind).index()]);
         if (const Kind* given = std::get_if<Kind>(&question.default_value)) {
           if constexpr (kIsList<Kind>) {
-            place.value = android::cadrova::Kind<Kind>::read(map.name, question.key);
+            place.value = android::cadrova_cpp::KindTraits<Kind>::read(map.name, question.key);
           } else {
-            place.value = android::cadrova::Kind<Kind>::read(map.name, question.key, *given);
+            place.value = android::cadrova_cpp::KindTraits<Kind>::read(map.name, question.key, *given);
           }
         }
       },

@@ -130,7 +130,7 @@ Question ToQuestion(const std::string& family, const std::string& kind, const st
 ExistenceTest* TestOf(const Value& value, bool is_sim) {
   return std::visit(
       [=]<class Kind>(const Kind&) -> ExistenceTest* {
-        using Row = android::cadrova::Kind<Kind>;
+        using Row = android::cadrova_cpp::KindTraits<Kind>;
         if constexpr (requires { Row::exists_in_sim; }) {
           if (is_sim) return Row::exists_in_sim;
         }
