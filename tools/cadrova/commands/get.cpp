@@ -1,28 +1,42 @@
-// cadrova get: the value of one feature, and nothing else, on standard output.
-
 #include <cstdio>
-#include <cstdlib>
-#include <memory>
 
-#include "commands/commands.h"
-#include "commands/options.h"
+#include "commands/command.h"
+#include "commands/shared_options.h"
+#include "common/text.h"
+#include "failure.h"
 #include "lookup/recording.h"
 #include "output/console.h"
 #include "output/json.h"
+#include "output/text.h"
 
-void AddGet(CLI::App& app) {
-  CLI::App& get = *app.add_subcommand("get", "Print the value of one feature");
-  const auto arguments = std::make_shared<QuestionArguments>(get);
-  const auto json = std::make_shared<bool>(false);
-  get.add_flag("--json", *json, "Print the value as one JSON value");
-  get.footer("As: cadrova get carrier-region int calling.ring_seconds --region EU --carrier X1\n");
-  get.callback([=] {
-    const Question question = arguments->Take();
-    const Hearing heard = Hear(question.ask);
-    std::fwrite(heard.printed.data(), 1, heard.printed.size(), stderr);
-    Print(*json ? ToLine(ToJson(heard.value)) : ToLines(heard.value));
-    if (heard.chain.answered_by() == nullptr && !question.has_default) {
-      Fail("no map holds " + question.key + " as " + question.kind() + "; see cadrova explain", 1);
-    }
-  });
-}
+namespace cadrova::tools {
+namespace {
+
+class Get : public Command {
+ public:
+  void Bind(Options& options) override {
+    query_.Bind(options);
+    options.AddFlag("--json", json_, "Print the value as JSON");
+  }
+
+  int Run() override {
+    const Query query = query_.Apply();
+    const Recording recording = Record(query);
+    std::fwrite(recording.printed.data(), 1, recording.printed.size(), stderr);
+    Print(json_ ? ToJson(recording.value) + '\n' : ToLines(recording.value));
+    if (recording.chain.source() != nullptr || query.has_default) return kSuccess;
+    PrintError("cadrova: no map contains " + DisplayName(query.key) + " as " +
+               ToString(query.kind) + "; see cadrova explain");
+    return kNegative;
+  }
+
+ private:
+  QueryOptions query_;
+  bool json_ = false;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> MakeGet() { return std::make_unique<Get>(); }
+
+}  // namespace cadrova::tools

@@ -1,62 +1,51 @@
-// cadrova list: what the core holds.
-
 #include <fnmatch.h>
 
-#include <memory>
-
-#include "commands/commands.h"
-#include "commands/options.h"
-#include "common/json_text.h"
-#include "common/table.h"
+#include "commands/command.h"
+#include "commands/shared_options.h"
 #include "fleet/feature_index.h"
 #include "lookup/data_source.h"
 #include "output/console.h"
 #include "output/json.h"
+#include "output/text.h"
 
-using namespace cadrova::tools;
-
+namespace cadrova::tools {
 namespace {
 
-std::string AsText(const std::vector<Feature>& features) {
-  std::vector<Row> rows;
-  rows.reserve(features.size());
-  for (const Feature& feature : features) {
-    std::string maps;
-    for (const std::string& map : feature.maps) maps += (maps.empty() ? "" : ", ") + Named(map);
-    rows.push_back({Named(feature.key), feature.kind, maps});
+class List : public Command {
+ public:
+  void Bind(Options& options) override {
+    options.Add("PATTERN", pattern_, "", "Shell pattern for keys (default: all keys)");
+    data_.Bind(options);
+    options.AddFlag("--json", json_, "Print a JSON array of objects: key, kind, maps");
   }
-  return Table(rows);
-}
 
-void PrintJson(const std::vector<Feature>& features) {
-  JsonArray array;
-  for (const auto& [key, kind, maps] : features) {
-    array.Add({{"key", key}, {"kind", kind}, {"maps", maps}});
+  int Run() override {
+    data_.Apply();
+    const std::string pattern = pattern_.value_or("*");
+    auto features = IndexFeatures(ListContents());
+    std::erase_if(features, [&](const Feature& feature) {
+      return fnmatch(pattern.c_str(), feature.key.c_str(), 0) != 0;
+    });
+    if (json_) {
+      JsonArrayPrinter array;
+      for (const Feature& feature : features) array.Add(ToJson(feature));
+      array.Finish();
+    } else {
+      Print(ToText(features));
+    }
+    if (!features.empty()) return kSuccess;
+    PrintError("cadrova: no key matches '" + pattern + "'");
+    return kNegative;
   }
-}
+
+ private:
+  std::optional<std::string> pattern_;
+  DataOption data_;
+  bool json_ = false;
+};
 
 }  // namespace
 
-void AddList(CLI::App& app) {
-  CLI::App& list = *app.add_subcommand("list", "List features, and the maps that hold them");
-  const auto pattern = std::make_shared<std::string>("*");
-  const auto data = std::make_shared<std::optional<std::string>>();
-  const auto json = std::make_shared<bool>(false);
-  AddArgument(list, "PATTERN", *pattern, "", "Of the keys, as shells have it; left out, all");
-  AddData(list, *data);
-  list.add_flag("--json", *json, "Print a JSON array of objects: key, kind, maps");
-  list.footer("As: cadrova list 'calling.*'\n");
-  list.callback([=] {
-    if (*data) AnswerFromFile(**data);
-    auto features = FeaturesOf(List());
-    std::erase_if(features, [&](const Feature& feature) {
-      return fnmatch(pattern->c_str(), feature.key.c_str(), 0) != 0;
-    });
-    if (*json) {
-      PrintJson(features);
-    } else {
-      Print(AsText(features));
-    }
-    if (features.empty()) Fail("no key is like '" + *pattern + "'", 1);
-  });
-}
+std::unique_ptr<Command> MakeList() { return std::make_unique<List>(); }
+
+}  // namespace cadrova::tools

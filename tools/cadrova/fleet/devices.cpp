@@ -6,43 +6,44 @@
 #include <string_view>
 #include <utility>
 
+namespace cadrova::tools {
 namespace {
 
-constexpr std::string_view kCarrierFront = "COTA_", kSimFront = "SIM_";
+constexpr std::string_view kCarrierPrefix = "COTA_", kSimPrefix = "SIM_";
 
-// Where `name` can be divided at an underscore so that both parts are `fit`.
-std::optional<std::pair<std::string, std::string>> Divided(const std::string& name, auto fit) {
+// Splits `name` at the first underscore at which `accept` takes both parts.
+std::optional<std::pair<std::string, std::string>> Split(const std::string& name, auto accept) {
   for (std::size_t at = name.find('_'); at != std::string::npos; at = name.find('_', at + 1)) {
     std::pair parts(name.substr(0, at), name.substr(at + 1));
-    if (fit(parts.first, parts.second)) return parts;
+    if (accept(parts.first, parts.second)) return parts;
   }
   return std::nullopt;
 }
 
 }  // namespace
 
-Fleet FleetOf(const std::vector<std::string>& maps) {
+Fleet FleetOf(const std::vector<std::string>& map_names) {
   std::set<std::string> regions = {""}, carriers = {""};
-  std::vector<std::string> composed;  // of a carrier, or of a carrier and a region
-  for (const std::string& map : maps) {
-    if (map.starts_with(kCarrierFront)) {
-      composed.push_back(map.substr(kCarrierFront.size()));
-    } else if (map.starts_with(kSimFront)) {
-      if (map != "SIM_DEFAULT") carriers.insert(map.substr(kSimFront.size()));
+  std::vector<std::string> composed;  // a carrier, or a carrier, an underscore and a region
+  for (const std::string& map : map_names) {
+    if (map.starts_with(kCarrierPrefix)) {
+      composed.push_back(map.substr(kCarrierPrefix.size()));
+    } else if (map.starts_with(kSimPrefix)) {
+      if (map != "SIM_DEFAULT") carriers.insert(map.substr(kSimPrefix.size()));
     } else if (map != "DEFAULT") {
       regions.insert(map);
     }
   }
   std::erase_if(composed, [&](const std::string& name) {
-    const auto parts = Divided(name, [&](auto&, auto& region) { return regions.contains(region); });
+    const auto parts = Split(name, [&](auto&, auto& region) { return regions.contains(region); });
     if (parts) carriers.insert(parts->first);
     return parts.has_value();
   });
-  // What is left is a carrier, or a known one with a region that has no map of its own.
+  // Each remaining one is a carrier, or a known carrier with a region that has no map of its own.
   std::ranges::sort(composed, {}, &std::string::size);
   for (const std::string& name : composed) {
     const auto parts =
-        Divided(name, [&](auto& carrier, auto&) { return carriers.contains(carrier); });
+        Split(name, [&](auto& carrier, auto&) { return carriers.contains(carrier); });
     if (parts) {
       regions.insert(parts->second);
     } else {
@@ -51,3 +52,5 @@ Fleet FleetOf(const std::vector<std::string>& maps) {
   }
   return {{regions.begin(), regions.end()}, {carriers.begin(), carriers.end()}};
 }
+
+}  // namespace cadrova::tools

@@ -1,15 +1,19 @@
-// The devices that customization is for: each region with each carrier.
+// The devices that the tools look at: each region with each carrier.
 #pragma once
 
 #include <string>
 #include <vector>
 
-// Codes; the empty one is the unset one.
+namespace cadrova::tools {
+
+// Region and carrier codes; an empty one is an unset one.
 struct Fleet {
   std::vector<std::string> regions, carriers;
 
   std::size_t size() const { return regions.size() * carriers.size(); }
 };
 
-// The codes that maps with these names are for, and the unset ones.
-Fleet FleetOf(const std::vector<std::string>& maps);
+// The codes in the names of these maps, and the unset codes.
+Fleet FleetOf(const std::vector<std::string>& map_names);
+
+}  // namespace cadrova::tools

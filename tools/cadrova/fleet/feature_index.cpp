@@ -3,49 +3,51 @@
 #include <algorithm>
 #include <map>
 #include <set>
+#include <string_view>
 
-#include "common/value.h"
+namespace cadrova::tools {
 
-using cadrova::host::Inventory;
-using cadrova::host::Kind;
+using host::Contents;
+using host::Kind;
 
-std::vector<Feature> FeaturesOf(const Inventory& inventory) {
-  struct Holders {
-    std::set<Kind> kinds;  // that aren't only an empty list's
-    std::vector<const Inventory::Item*> items;
+std::vector<Feature> IndexFeatures(const Contents& contents) {
+  struct KeyInfo {
+    std::set<Kind> kinds;  // of all items except empty lists
+    std::vector<const Contents::Item*> items;
   };
-  std::map<std::string_view, Holders> holders;
-  for (const Inventory::Item& item : inventory.items) {
-    auto& [kinds, items] = holders[item.key];
+  std::map<std::string_view, KeyInfo> keys;
+  for (const Contents::Item& item : contents.items) {
+    auto& [kinds, items] = keys[item.key];
     if (item.kinds.size() == 1) kinds.insert(item.kinds[0]);
     items.push_back(&item);
   }
   std::vector<Feature> features;
-  for (auto& [key, held] : holders) {
-    for (const auto* item : held.items) {
+  for (auto& [key, info] : keys) {
+    for (const auto* item : info.items) {
       const bool is_known =
-          std::ranges::any_of(item->kinds, [&](Kind kind) { return held.kinds.contains(kind); });
-      if (!is_known) held.kinds.insert(item->kinds.begin(), item->kinds.end());
+          std::ranges::any_of(item->kinds, [&](Kind kind) { return info.kinds.contains(kind); });
+      if (!is_known) info.kinds.insert(item->kinds.begin(), item->kinds.end());
     }
-    for (const Kind kind : held.kinds) {
-      Feature& feature = features.emplace_back();
-      feature.key = key;
-      feature.kind = cadrova::tools::kKindNames[static_cast<std::size_t>(kind)];
-      for (const auto* item : held.items) {
+    for (const Kind kind : info.kinds) {
+      Feature& feature = features.emplace_back(Feature{std::string(key), kind, {}});
+      for (const auto* item : info.items) {
         if (std::ranges::find(item->kinds, kind) != item->kinds.end()) {
           feature.maps.push_back(item->map);
         }
       }
+      // Contents of two files have maps in common.
       std::ranges::sort(feature.maps);
-      const auto repeated = std::ranges::unique(feature.maps);
-      feature.maps.erase(repeated.begin(), repeated.end());
+      const auto duplicates = std::ranges::unique(feature.maps);
+      feature.maps.erase(duplicates.begin(), duplicates.end());
     }
   }
   return features;
 }
 
-std::vector<std::string> MapsOf(const Inventory& inventory) {
-  std::vector<std::string> names(inventory.maps.size());
-  std::ranges::transform(inventory.maps, names.begin(), &Inventory::Map::name);
+std::vector<std::string> MapNames(const Contents& contents) {
+  std::vector<std::string> names(contents.maps.size());
+  std::ranges::transform(contents.maps, names.begin(), &Contents::Map::name);
   return names;
 }
+
+}  // namespace cadrova::tools

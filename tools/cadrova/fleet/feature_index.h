@@ -1,4 +1,4 @@
-// What a core holds, by feature.
+// The contents of a core, by feature.
 #pragma once
 
 #include <string>
@@ -6,15 +6,19 @@
 
 #include "cadrova/host.h"
 
-// A key, as one kind, and the maps that hold it.
+namespace cadrova::tools {
+
+// A key as one kind, and the maps that contain it.
 struct Feature {
-  std::string key, kind;
+  std::string key;
+  host::Kind kind;
   std::vector<std::string> maps;
 };
 
-// All of them, by key and kind. A list that is empty is of the list kinds that its key has in other
-// maps; of all, where it has none.
-std::vector<Feature> FeaturesOf(const cadrova::host::Inventory& inventory);
+// All features, sorted by key and kind. An empty list counts as the list kinds that its key has in
+// other maps; if it has none there, as every list kind.
+std::vector<Feature> IndexFeatures(const host::Contents& contents);
 
-// The names of all maps.
-std::vector<std::string> MapsOf(const cadrova::host::Inventory& inventory);
+std::vector<std::string> MapNames(const host::Contents& contents);
+
+}  // namespace cadrova::tools

@@ -1,114 +1,118 @@
 #include "fleet/matrix_layout.h"
 
 #include <algorithm>
-#include <iterator>
+#include <functional>
 #include <map>
 #include <numeric>
 #include <unordered_map>
 #include <utility>
 
+#include "common/text.h"
+
+namespace cadrova::tools {
 namespace {
 
-// A row, or a column.
-using Line = std::vector<const Answer*>;
+using Row = std::vector<Cell>;
+using Column = std::vector<Cell>;
 
-// Groups the numbers of equal lines, and leaves one line of each.
-std::vector<CodeGroup> Group(std::vector<Line>& lines) {
+// Groups the positions of equal lines, which are rows or columns, and leaves one line per group.
+std::vector<CodeGroup> MergeEqual(std::vector<std::vector<Cell>>& lines) {
+  constexpr std::size_t kMostListed = 6;
   std::vector<CodeGroup> groups;
-  std::vector<Line> kept;
-  std::map<Line, std::size_t> places;
+  std::vector<std::vector<Cell>> merged;
+  std::map<std::vector<Cell>, std::size_t> numbers;
   for (std::size_t i = 0; i < lines.size(); ++i) {
-    const auto [place, is_new] = places.try_emplace(lines[i], groups.size());
+    const auto [number, is_new] = numbers.try_emplace(lines[i], groups.size());
     if (is_new) {
       groups.emplace_back();
-      kept.push_back(std::move(lines[i]));
+      merged.push_back(std::move(lines[i]));
     }
-    groups[place->second].codes.push_back(i);
+    groups[number->second].codes.push_back(i);
   }
-  lines = std::move(kept);
-  constexpr std::size_t kTakenIn = 6;
+  lines = std::move(merged);
   const auto size = [](const CodeGroup& group) { return group.codes.size(); };
   const auto largest = std::ranges::max_element(groups, {}, size);
-  largest->is_rest = size(*largest) > kTakenIn;
+  largest->is_rest = size(*largest) > kMostListed;
   return groups;
 }
 
-std::vector<Line> Turned(const std::vector<Line>& lines) {
-  std::vector<Line> turned(lines[0].size(), Line(lines.size()));
-  for (std::size_t i = 0; i < lines.size(); ++i) {
-    for (std::size_t j = 0; j < lines[i].size(); ++j) turned[j][i] = lines[i][j];
+std::vector<Row> Transpose(const std::vector<Column>& columns) {
+  std::vector<Row> rows(columns[0].size());
+  for (const Column& column : columns) {
+    for (std::size_t i = 0; i < column.size(); ++i) rows[i].push_back(column[i]);
   }
-  return turned;
+  return rows;
 }
 
-std::vector<Grid> Divided(std::vector<Line> columns) {
-  constexpr std::size_t kSideBySide = 8;
-  const auto groups = Group(columns);
+std::vector<MatrixTable> ToTables(std::vector<Column> columns) {
+  constexpr std::size_t kMostColumns = 8;
+  const auto groups = MergeEqual(columns);
   std::vector<std::size_t> order(columns.size());
   std::iota(order.begin(), order.end(), std::size_t{0});
-  auto end_of_varied = order.end();
-  if (order.size() > kSideBySide) {
-    end_of_varied = std::stable_partition(order.begin(), order.end(), [&](std::size_t i) {
+  auto end_of_varying = order.end();
+  if (order.size() > kMostColumns) {
+    end_of_varying = std::stable_partition(order.begin(), order.end(), [&](std::size_t i) {
       return std::ranges::adjacent_find(columns[i], std::not_equal_to()) != columns[i].end();
     });
   }
-  std::vector<Grid> grids;
-  for (auto column = order.begin(); column != order.end();) {
-    const auto end = column < end_of_varied ? end_of_varied : order.end();
-    Grid& grid = grids.emplace_back();
-    std::vector<Line> own;
-    for (; column != end && own.size() < kSideBySide; ++column) {
-      own.push_back(columns[*column]);
-      grid.carriers.push_back(groups[*column]);
+  std::vector<MatrixTable> tables;
+  for (auto next = order.begin(); next != order.end();) {
+    const auto end = next < end_of_varying ? end_of_varying : order.end();
+    MatrixTable& table = tables.emplace_back();
+    std::vector<Column> table_columns;
+    for (; next != end && table_columns.size() < kMostColumns; ++next) {
+      table_columns.push_back(columns[*next]);
+      table.carriers.push_back(groups[*next]);
     }
-    grid.rows = Turned(own);
-    grid.regions = Group(grid.rows);
+    table.rows = Transpose(table_columns);
+    table.regions = MergeEqual(table.rows);
   }
-  return grids;
+  return tables;
 }
 
-std::size_t Cells(const std::vector<Grid>& grids) {
+std::size_t CountCells(const std::vector<MatrixTable>& tables) {
   std::size_t cells = 0;
-  for (const Grid& grid : grids) cells += grid.regions.size() * grid.carriers.size();
+  for (const auto& table : tables) cells += table.regions.size() * table.carriers.size();
   return cells;
 }
 
 }  // namespace
 
-Grids ToGrids(const Chains& chains, const Answers& answers) {
-  constexpr std::size_t kTakenIn = 200;
+MatrixLayout LayOut(const FleetChains& chains, const Results& results) {
+  constexpr std::size_t kMostCells = 200;
   const Fleet& fleet = chains.fleet();
-  std::vector<Line> columns(fleet.carriers.size(), Line(fleet.regions.size()));
-  std::unordered_map<const Answer*, std::size_t> devices;  // that are answered so
+  std::vector<Column> columns(fleet.carriers.size(), Column(fleet.regions.size()));
+  std::unordered_map<const Result*, std::size_t> devices;  // how many get this result
   for (std::size_t carrier = 0; carrier < fleet.carriers.size(); ++carrier) {
     for (std::size_t region = 0; region < fleet.regions.size(); ++region) {
-      const Answer*& answer = columns[carrier][region];
-      answer = &answers.Of(chains.Of(region, carrier));
-      ++devices[answer];
+      const auto [result, position] = results.Find(chains.Get(region, carrier));
+      columns[carrier][region] = {result, position};
+      ++devices[result];
     }
   }
-  Grids made = {Divided(columns), {}};
-  if (Cells(made.grids) <= kTakenIn) return made;
+  MatrixLayout layout = {ToTables(columns), {}};
+  if (CountCells(layout.tables) <= kMostCells) return layout;
   for (std::size_t carrier = 0; carrier < fleet.carriers.size(); ++carrier) {
     for (std::size_t region = 0; region < fleet.regions.size(); ++region) {
-      Chain chain = chains.Of(region, carrier);
-      const Answer* answer = &answers.Take(chain);
-      if (devices[answer] > 1) continue;
-      made.singles.push_back({region, carrier, answer});
-      while (devices[answer] <= 1 && !chain.empty()) answer = &answers.Take(chain);
-      columns[carrier][region] = answer;
+      Cell& cell = columns[carrier][region];
+      if (devices[cell.result] > 1) continue;
+      layout.exceptions.push_back({region, carrier, cell});
+      const MapIds chain = chains.Get(region, carrier);
+      while (devices[cell.result] <= 1 && cell.position < chain.size()) {
+        const auto [result, position] = results.Find(chain.subspan(cell.position + 1));
+        cell = {result, cell.position + 1 + position};
+      }
     }
   }
-  made.grids = Divided(std::move(columns));
-  return made;
+  layout.tables = ToTables(std::move(columns));
+  return layout;
 }
 
-std::string Label(const CodeGroup& group, const std::vector<std::string>& codes,
-                  const std::string& what, std::string (*name)(const std::string& code)) {
+std::string Heading(const CodeGroup& group, const std::vector<std::string>& codes,
+                    const std::string& what, std::string (*show)(const std::string& code)) {
   if (group.codes.size() == codes.size() && codes.size() > 1) return "every " + what;
   if (group.is_rest) return std::to_string(group.codes.size()) + " others";
-  std::string label;
-  for (const std::size_t code : group.codes)
-    label += (label.empty() ? "" : ", ") + name(codes[code]);
-  return label;
+  return Join(group.codes, ", ", [&](std::size_t code) { return show(codes[code]); });
 }
+
+}  // namespace cadrova::tools

@@ -1,4 +1,4 @@
-// The answers of all devices as grids, in which those that are answered alike stand together.
+// The results of all devices as tables in which equal rows and equal columns are merged.
 #pragma once
 
 #include <string>
@@ -6,34 +6,46 @@
 
 #include "fleet/results.h"
 
-// Codes whose devices are all answered alike.
+namespace cadrova::tools {
+
+// What one device gets, and from which position of its chain.
+struct Cell {
+  const Result* result;
+  std::size_t position;
+
+  auto operator<=>(const Cell&) const = default;
+};
+
+// Region or carrier codes of equal rows or columns.
 struct CodeGroup {
-  std::vector<std::size_t> codes;  // counted from 0
-  bool is_rest = false;            // the largest, where it is larger than can be taken in at a look
+  std::vector<std::size_t> codes;  // positions in the fleet
+  bool is_rest = false;            // the largest group, if it is too long to be listed
 };
 
-// Regions down, carriers across.
-struct Grid {
+// Regions are rows, carriers are columns.
+struct MatrixTable {
   std::vector<CodeGroup> regions, carriers;
-  std::vector<std::vector<const Answer*>> rows;  // into the answers that it was made of
+  std::vector<std::vector<Cell>> rows;
 };
 
-struct Grids {
-  // What is asked of more carriers than fit side by side is in several grids, those first in which
-  // regions differ.
-  std::vector<Grid> grids;
+struct MatrixLayout {
+  // Several, if not all columns fit side by side. Columns in which regions differ come first.
+  std::vector<MatrixTable> tables;
 
-  // Where the grids would still be large, what only one device is answered stands here instead, and
-  // they have what it would be answered else.
-  struct Single {
+  // If the tables would still be too large, exceptions of single devices are listed here. The
+  // tables then contain what these devices would get otherwise.
+  struct Exception {
     std::size_t region, carrier;
-    const Answer* answer;
+    Cell cell;
   };
-  std::vector<Single> singles;
+  std::vector<Exception> exceptions;
 };
 
-Grids ToGrids(const Chains& chains, const Answers& answers);
+// The layout refers to `results`.
+MatrixLayout LayOut(const FleetChains& chains, const Results& results);
 
-// The codes of a row or column, each as `name` has it. `what` they are: "region".
-std::string Label(const CodeGroup& group, const std::vector<std::string>& codes,
-                  const std::string& what, std::string (*name)(const std::string& code));
+// The heading of a row or column: its codes, each through `show`; or "every region", or "9 others".
+std::string Heading(const CodeGroup& group, const std::vector<std::string>& codes,
+                    const std::string& what, std::string (*show)(const std::string& code));
+
+}  // namespace cadrova::tools

@@ -1,6 +1,9 @@
-// What every device of a fleet is answered. The library is asked, of each device, which maps it
-// asks; and of each feature, what a device is answered whose chain meets this map first: so all
-// devices that do are answered at once.
+// The results of lookups on every device of a fleet.
+//
+// The library is called once per device to record its chain, which is the same for all features.
+// Then, for each map that contains a feature, it is called once, as a device that consults that
+// map, with every other existence test forced to false. The result is that of all devices in whose
+// chain this map is the first to contain the feature.
 #pragma once
 
 #include <cstdint>
@@ -12,76 +15,80 @@
 #include <vector>
 
 #include "fleet/devices.h"
-#include "fleet/feature_index.h"
 #include "lookup/query.h"
-#include "output/console.h"
 
-struct Answer {
+namespace cadrova::tools {
+
+struct Result {
   Value value;
-  std::optional<std::string> map;  // nothing where no map holds the item
-  std::size_t place = 0;           // the map's in its chain
-
-  // As programs see them: where the answer came from is no part of it, but whether it is held is.
-  bool IsLike(const Answer& other) const;
+  std::optional<std::string> map;  // none if no map contains the item
 };
 
-// The maps that one device asks, in order.
-using Chain = std::span<const std::uint32_t>;
+// Whether programs see a difference: in the value, or in whether any map contains the item.
+bool IsSame(const Result& one, const Result& other);
 
-// The answers to one question.
-class Answers {
+// The chain of one device: the numbers of its maps, in order.
+using MapIds = std::span<const std::uint32_t>;
+
+// The results of one feature.
+class Results {
  public:
-  bool are_held() const { return !of_maps_.empty(); }
+  explicit Results(Result missing) : missing_(std::move(missing)) {}
+  void Add(std::uint32_t map, Result result) { by_map_.emplace(map, std::move(result)); }
 
-  // Whether all devices are answered as by `others`.
-  bool AreLike(const Answers& others) const;
+  // Whether any map contains the feature.
+  bool has_any() const { return !by_map_.empty(); }
 
-  void AddRest(Answer answer) { rest_ = std::move(answer); }
-  void Add(std::uint32_t map, Answer answer) { of_maps_.emplace(map, std::move(answer)); }
+  // The result of a device with this chain, and its position in the chain; for a missing item, the
+  // length of the chain.
+  std::pair<const Result*, std::size_t> Find(MapIds chain) const;
 
-  // What a device with this chain is answered; the chain then begins behind the map that answers.
-  const Answer& Take(Chain& chain) const;
-  const Answer& Of(Chain chain) const { return Take(chain); }
+  const Result& Get(MapIds chain) const { return *Find(chain).first; }
+
+  // Whether the results of all devices are the same.
+  bool AreSame(const Results& others) const;
 
  private:
-  std::unordered_map<std::uint32_t, Answer> of_maps_;
-  Answer rest_;  // of devices that come to none of these
+  std::unordered_map<std::uint32_t, Result> by_map_;
+  Result missing_;
 };
 
-// The chains of all devices, by one family of lookups.
-class Chains {
+// The chains of all devices in one family.
+class FleetChains {
  public:
-  Chains(std::string family, const Fleet& fleet);
+  FleetChains(const Family& family, const Fleet& fleet);
 
-  const std::string& family() const { return family_; }
+  const Family& family() const { return family_; }
   const Fleet& fleet() const { return fleet_; }
 
-  // The device of `region` and `carrier`, which count from 0.
-  Chain Of(std::size_t region, std::size_t carrier) const;
+  // The chain of the device with the region and the carrier at these positions in the fleet.
+  MapIds Get(std::size_t region, std::size_t carrier) const;
 
-  // The names of all maps that are asked.
-  std::vector<std::string> Names() const;
+  // The names of all maps in the chains.
+  std::vector<std::string> MapNames() const;
 
-  // The answers as things are with the core now. Only `maps` may hold the item, where they are
-  // given.
-  Answers Ask(const std::string& kind, const std::string& key,
-              const std::vector<std::string>* maps = nullptr) const;
+  // The results of a feature over the data that the core has now. With `maps`, only these are
+  // tested for the item.
+  Results Collect(Kind kind, const std::string& key,
+                  const std::vector<std::string>* maps = nullptr) const;
 
  private:
   struct Map {
     std::string name;
-    bool is_sim;         // asked by the tests of SIM data
-    std::size_t device;  // one that asks it
+    bool is_sim;         // tested by the existence tests for SIM data
+    std::size_t device;  // one that consults it
   };
 
-  std::uint32_t Id(const std::string& map, bool is_sim, std::size_t device);
-  void BecomeDevice(std::size_t device) const;
-  Answer AskAsIfHeldBy(const Map* map, const Question& question) const;
+  std::uint32_t IdOf(const std::string& map, bool is_sim, std::size_t device);
+  void SetCodes(std::size_t device) const;
+  Result RunAsIfOnlyIn(const Map* map, const Query& query) const;
 
-  std::string family_;
+  const Family& family_;
   const Fleet& fleet_;
   std::vector<Map> maps_;
-  std::unordered_map<std::string, std::uint32_t> ids_[2];  // of maps_, by name; of SIM tests
-  std::vector<std::uint32_t> asked_;                       // the chains, one behind the other
-  std::vector<std::size_t> ends_ = {0};                    // of each chain in asked_
+  std::unordered_map<std::string, std::uint32_t> ids_[2];  // by name; [1]: of maps with SIM data
+  std::vector<std::uint32_t> chains_;                      // of all devices, concatenated
+  std::vector<std::size_t> ends_ = {0};                    // of each chain in chains_
 };
+
+}  // namespace cadrova::tools

@@ -1,39 +1,47 @@
-// What a mistyped name may have been meant to be.
+// Which existing name a mistyped one may stand for.
 #pragma once
 
+#include <compare>
 #include <cstdint>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "cadrova/host.h"
+namespace cadrova::tools {
 
-using Items = std::vector<cadrova::host::Inventory::Item>;
+// An existing name, and how much another name resembles it. The best suggestion sorts first.
+struct Suggestion {
+  bool has_other_words;  // false: the same words in another case or order, or with other separators
+  std::size_t distance;  // how many bytes are inserted, deleted, replaced or swapped with the next
+  std::string name;
 
-// The maps that are none of `maps` and hold `key`, the most alike first; said of each is which of
-// these it is but for case, order and signs.
-std::vector<std::string> Elsewhere(const Items& items, const std::vector<std::string>& maps,
-                                   const std::string& key);
+  auto operator<=>(const Suggestion&) const = default;
+};
 
-// The keys that are almost `key`, the most alike first, and of equals those in `maps`.
-std::vector<std::string> Similar(const Items& items, const std::vector<std::string>& maps,
-                                 const std::string& key);
+// Compares without regard to case. A level more or less in front ("ring.seconds" for "seconds") is
+// a distance of 1.
+Suggestion Compare(const std::string& name, const std::string& existing);
 
-// Its words, whatever their case and order and what divides them.
-std::string Folded(const std::string& name);
+// The candidates that have the same words as `name`, or are within a distance of a fifth of its
+// length, but at least 1. Names of fewer than three bytes must have a distance of 0.
+std::vector<Suggestion> Suggest(const std::string& name,
+                                const std::vector<std::string>& candidates);
 
-// Finds what one mistake may have made of a name: another case, order or sign; a byte put in, taken
-// out or changed, or two swapped; a level too many in front, or one too few. Numbers tell names
-// apart.
-class NearNames {
+// The words of `name`, independent of their case, order and separators.
+std::string SortedWords(const std::string& name);
+
+// Makes suggestions within a distance of 1 from many names, for many names. Names that differ only
+// in their numbers, such as band.1 and band.2, are no suggestions for each other.
+class SuggestionIndex {
  public:
-  explicit NearNames(std::vector<std::string> names);
+  explicit SuggestionIndex(std::vector<std::string> names);
 
-  // The most alike first.
-  std::vector<std::string> Of(const std::string& name) const;
+  std::vector<Suggestion> Suggest(const std::string& name) const;
 
  private:
   std::vector<std::string> names_;
-  // What each has in common with those near to it, as a hash; sorted.
-  std::vector<std::pair<std::size_t, std::uint32_t>> traces_;
+  // Hashes of which two names within a distance of 1 share at least one; sorted.
+  std::vector<std::pair<std::size_t, std::uint32_t>> hashes_;
 };
+
+}  // namespace cadrova::tools

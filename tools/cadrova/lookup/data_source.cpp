@@ -3,56 +3,57 @@
 #include <utility>
 #include <variant>
 
+#include "failure.h"
 #include "file.h"
-#include "output/console.h"
 
-// There where the core is the stand-in one.
+// Defined only if the core is the fake one.
 namespace cadrova::host {
-[[gnu::weak]] std::optional<Mistake> AnswerFromFile(const std::string& path);
-[[gnu::weak]] std::optional<Mistake> AnswerFromText(const std::string& toml);
-[[gnu::weak]] Inventory TakeInventory();
+[[gnu::weak]] std::vector<Error> LoadFile(const std::string& path);
+[[gnu::weak]] std::vector<Error> LoadText(const std::string& toml);
+[[gnu::weak]] Contents List();
 }  // namespace cadrova::host
 
-using cadrova::host::Mistake;
-
+namespace cadrova::tools {
 namespace {
 
-void RequireName(const std::string& path) {
-  if (path.empty()) Fail("'' names no file");
+void CheckPath(const std::string& path) {
+  if (path.empty()) throw Failure("the name of the customization file is empty");
+  if (host::LoadFile == nullptr) {
+    throw Failure(path + ": this parser core does not read customization files");
+  }
 }
 
 }  // namespace
 
-std::optional<Mistake> TryFile(const std::string& path) {
-  RequireName(path);
-  if (cadrova::host::AnswerFromFile == nullptr) {
-    Fail("--data: this parser core reads no file of ours");
-  }
-  return cadrova::host::AnswerFromFile(path);
+std::vector<host::Error> TryLoadData(const std::string& path) {
+  CheckPath(path);
+  return host::LoadFile(path);
 }
 
-void AnswerFromFile(const std::string& path) {
-  if (const auto mistake = TryFile(path)) cadrova::host::Stop(*mistake);
+void LoadData(const std::string& path) {
+  const auto errors = TryLoadData(path);
+  if (!errors.empty()) throw Failure(errors[0]);
 }
 
 DataFile::DataFile(const std::string& path) : path_(path) {
-  RequireName(path);
-  auto contents = cadrova::host::ReadFile(path);
-  if (const auto* mistake = std::get_if<Mistake>(&contents)) cadrova::host::Stop(*mistake);
-  contents_ = std::get<std::string>(std::move(contents));
+  CheckPath(path);
+  auto contents = host::ReadFile(path);
+  if (const auto* error = std::get_if<host::Error>(&contents)) throw Failure(*error);
+  text_ = std::get<std::string>(std::move(contents));
 }
 
-void DataFile::Answer() const {
-  if (cadrova::host::AnswerFromText == nullptr) Fail("this parser core reads no file of ours");
-  if (auto mistake = cadrova::host::AnswerFromText(contents_)) {
-    mistake->file = path_;
-    cadrova::host::Stop(*mistake);
-  }
+void DataFile::Load() const {
+  auto errors = host::LoadText(text_);
+  if (errors.empty()) return;
+  errors[0].file = path_;
+  throw Failure(errors[0]);
 }
 
-bool CanList() { return cadrova::host::TakeInventory != nullptr; }
+bool CanListContents() { return host::List != nullptr; }
 
-cadrova::host::Inventory List() {
-  if (!CanList()) Fail("this parser core can't list what it holds");
-  return cadrova::host::TakeInventory();
+host::Contents ListContents() {
+  if (!CanListContents()) throw Failure("this parser core can't list its contents");
+  return host::List();
 }
+
+}  // namespace cadrova::tools

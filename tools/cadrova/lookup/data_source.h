@@ -1,29 +1,33 @@
-// What only the stand-in core can do: answer from a file of ours, and list what it holds.
+// What only the fake core can do: read a customization file, and list what it contains.
 #pragma once
 
-#include <optional>
 #include <string>
+#include <vector>
 
 #include "cadrova/host.h"
 
-// Answers from the file, or returns its first mistake.
-std::optional<cadrova::host::Mistake> TryFile(const std::string& path);
+namespace cadrova::tools {
 
-// Answers from the file; or the command fails, as the core does where it finds a mistake.
-void AnswerFromFile(const std::string& path);
+// Makes the core use the file; returns the errors in it. Throws a Failure if the core is another.
+std::vector<host::Error> TryLoadData(const std::string& path);
 
-// A customization file that is read once, as it may be a pipe, and answered from many times.
+// Makes the core use the file, or throws its first error as a Failure.
+void LoadData(const std::string& path);
+
+// A customization file that is read once, as it may be a pipe, and used several times.
 class DataFile {
  public:
   explicit DataFile(const std::string& path);
-  void Answer() const;
+  void Load() const;
 
  private:
-  std::string path_, contents_;
+  std::string path_, text_;
 };
 
-// Whether the core lists what it holds.
-bool CanList();
+// Whether the core lists its contents.
+bool CanListContents();
 
-// What it holds, or the command fails.
-cadrova::host::Inventory List();
+// Throws a Failure if it can't.
+host::Contents ListContents();
+
+}  // namespace cadrova::tools

@@ -1,31 +1,29 @@
-// What the library can be asked: its families and kinds, and one question.
+// One lookup with its arguments.
 #pragma once
 
-#include <functional>
 #include <optional>
 #include <string>
-#include <vector>
 
-#include "interpose/call.h"
-#include "output/text.h"
+#include "lookup/families.h"
 
-// One call of one of the library's lookups.
-struct Question {
-  std::string function;
+namespace cadrova::tools {
+
+struct Query {
+  const Family* family;
+  Kind kind;
   std::string key;
-  Value default_value;       // the kind's own where none is given
-  bool has_default = false;  // whether one is given
-  std::function<Value()> ask;
+  Value default_value;       // ZeroOf(kind) if none was given
+  bool has_default = false;  // whether one was given
 
-  const char* kind() const { return cadrova::tools::kKindNames[default_value.index()]; }
+  // Makes the lookup.
+  Value Run() const { return family->Get(kind).call(key, default_value); }
 };
 
-// Whether the family has a lookup of the kind: the SIM's has none of a float.
-bool HasLookup(const std::string& family, const std::string& kind);
+// Throws a Failure if the family has no such lookup, or the default is not one of the kind.
+Query MakeQuery(const std::string& family, const std::string& kind, const std::string& key,
+                const std::optional<std::string>& default_value = {});
 
-// A question, or the command fails where the library can't be asked it.
-Question ToQuestion(const std::string& family, const std::string& kind, const std::string& key,
-                    const std::optional<std::string>& default_value = {});
+// The same, with the kind's zero as the default. The family must have the kind.
+Query MakeQuery(const Family& family, Kind kind, const std::string& key);
 
-// The core's test for the kind of `value`; of SIM data, where it has one.
-cadrova::tools::ExistenceTest* TestOf(const Value& value, bool is_sim);
+}  // namespace cadrova::tools

@@ -2,10 +2,9 @@
 
 #include <map>
 
-#include "output/console.h"
+#include "output/capture.h"
 
-using cadrova::tools::Step;
-
+namespace cadrova::tools {
 namespace {
 
 std::map<std::string, std::string>& Overrides() {
@@ -13,42 +12,52 @@ std::map<std::string, std::string>& Overrides() {
   return overrides;
 }
 
-// Who listens, if anybody.
-const Listener* hears = nullptr;
+const std::function<void(DeviceCall&)>* current_observer = nullptr;
 
-Hearing Hear(const std::function<Value()>& ask, bool nothing_exists) {
-  Hearing heard;
-  const auto hear = [&](Step& step) {
-    if (step.exists != nullptr && nothing_exists) *step.exists = 0;
-    if (step.property != nullptr) heard.properties.emplace_back(step.name, *step.property);
-    step.AppendTo(heard.steps.emplace_back());
-    heard.chain.Add(step);
-  };
-  heard.printed = PrintedBy([&] { Listen(hear, [&] { heard.value = ask(); }); });
-  return heard;
+void OverrideAndObserve(DeviceCall& call) {
+  if (call.property != nullptr) {
+    const auto found = Overrides().find(call.name);
+    if (found != Overrides().end()) {
+      *call.property = found->second.empty() ? call.key : found->second;
+    }
+  }
+  if (current_observer != nullptr) (*current_observer)(call);
 }
 
 }  // namespace
 
-void cadrova::tools::Heard(Step& step) {
-  if (step.property != nullptr) {
-    const auto found = Overrides().find(step.name);
-    if (found != Overrides().end()) {
-      *step.property = found->second.empty() ? step.key : found->second;
-    }
-  }
-  if (hears != nullptr) (*hears)(step);
+constinit const Observer observer = OverrideAndObserve;
+
+void Observe(const std::function<void(DeviceCall&)>& observe, const std::function<void()>& action) {
+  current_observer = &observe;
+  action();
+  current_observer = nullptr;
 }
 
-void Listen(const Listener& listener, const std::function<void()>& act) {
-  hears = &listener;
-  act();
-  hears = nullptr;
+Recording Record(const Query& query) {
+  Recording recording;
+  const auto record = [&](DeviceCall& call) {
+    if (call.property != nullptr) recording.properties.emplace_back(call.name, *call.property);
+    call.AppendTo(recording.calls.emplace_back());
+    recording.chain.Add(call);
+  };
+  recording.printed =
+      CaptureStdout([&] { Observe(record, [&] { recording.value = query.Run(); }); });
+  return recording;
 }
 
-Hearing Hear(const std::function<Value()>& ask) { return Hear(ask, false); }
-Hearing HearWholeChain(const std::function<Value()>& ask) { return Hear(ask, true); }
-
-void OverrideProperty(const std::string& key, const std::string& value) {
-  Overrides().insert_or_assign(key, value);
+Chain RecordWholeChain(const Query& query) {
+  Chain chain;
+  const auto record = [&](DeviceCall& call) {
+    if (call.exists != nullptr) *call.exists = 0;
+    chain.Add(call);
+  };
+  Observe(record, [&] { query.Run(); });
+  return chain;
 }
+
+void OverrideProperty(const std::string& name, const std::string& value) {
+  Overrides().insert_or_assign(name, value);
+}
+
+}  // namespace cadrova::tools

@@ -1,4 +1,4 @@
-// What the library asks of the device for one question.
+// What the library does during one lookup.
 #pragma once
 
 #include <functional>
@@ -7,29 +7,33 @@
 #include <vector>
 
 #include "interpose/chain.h"
-#include "output/text.h"
+#include "lookup/query.h"
 
-struct Hearing {
+namespace cadrova::tools {
+
+struct Recording {
   Value value;
   std::string printed;                                          // by the library
-  std::vector<std::pair<std::string, std::string>> properties;  // read, in order
-  std::vector<std::string> steps;                               // all that was asked, in order
-  cadrova::tools::Chain chain;
+  std::vector<std::pair<std::string, std::string>> properties;  // name and value, in order
+  std::vector<std::string> calls;                               // of the device, in order
+  Chain chain;
 };
 
-// Asks, listening.
-Hearing Hear(const std::function<Value()>& ask);
+// Makes the lookup and records it.
+Recording Record(const Query& query);
 
-// Asks, listening, while every existence test is answered no: the whole chain is heard.
-Hearing HearWholeChain(const std::function<Value()>& ask);
+// The whole chain of the lookup, also the maps after the one that contains the item: every
+// existence test is forced to false. Prints as every lookup does.
+Chain RecordWholeChain(const Query& query);
 
-// While `act` runs, `listener` hears each step, and may change its answer.
-using Listener = std::function<void(cadrova::tools::Step&)>;
-void Listen(const Listener& listener, const std::function<void()>& act);
+// While `action` runs, `observe` sees each call of the device, and may change its answer.
+void Observe(const std::function<void(DeviceCall&)>& observe, const std::function<void()>& action);
 
-// The properties that hold a device's codes.
+// The system properties that contain the codes of the device.
 constexpr char kRegionCode[] = "ro.orvel.region", kCarrierCode[] = "persist.sys.cota.carrier";
 
-// From now on the property reads as `value`, in the library too; empty is unset. This works in
-// front of any store, and so for properties that can't be set.
-void OverrideProperty(const std::string& key, const std::string& value);
+// From now on the library reads `value` from the property; an empty one is unset. The store is not
+// changed, so it may be any, and the property a read-only one.
+void OverrideProperty(const std::string& name, const std::string& value);
+
+}  // namespace cadrova::tools

@@ -4,10 +4,10 @@
 #include <string_view>
 
 #include "common/json_text.h"
+#include "common/text.h"
 #include "html_report_frame.h"
 
-using cadrova::tools::Named;
-
+namespace cadrova::tools {
 namespace {
 
 std::string Escaped(std::string_view text) {
@@ -30,115 +30,119 @@ std::string Escaped(std::string_view text) {
   return escaped;
 }
 
-std::string Element(const std::string& name, const std::string& contents) {
-  return '<' + name + '>' + contents + "</" + name.substr(0, name.find(' ')) + '>';
+std::string CodeHtml(const std::string& code) {
+  return code.empty() ? "<i>unset</i>" : Escaped(DisplayName(code));
 }
 
-std::string Code(const std::string& code) {
-  return code.empty() ? Element("i", "unset") : Escaped(Named(code));
-}
-
-std::string Codes(const std::vector<std::string>& codes) {
-  std::string list;
-  for (const std::string& code : codes) list += (list.empty() ? "" : ", ") + Code(code);
-  return list;
-}
-
-// What the maps in the family's chain are called, which is asked of the library, for a device whose
-// codes say what they are.
-std::vector<std::string> SortsIn(const std::string& family) {
+// What the maps in the family's chain are called, recorded for a device with telling codes.
+std::vector<std::string> MapKindNames(const Family& family) {
   const Fleet fleet = {{"‹region›"}, {"‹carrier›"}};
-  return Chains(family, fleet).Names();
+  return FleetChains(family, fleet).MapNames();
 }
 
-std::string StyleOf(std::size_t sort) { return 'p' + std::to_string(sort); }
+std::string StyleName(std::size_t map_kind) { return 'p' + std::to_string(map_kind); }
 
-std::string Style(const Answer& answer, const std::vector<std::string>& styles) {
-  return answer.map ? styles[answer.place] : "none";
+std::string CellStyle(const Cell& cell, const std::vector<std::string>& styles) {
+  return cell.result->map ? styles[cell.position] : "none";
 }
 
-std::string Contents(const Answer& answer) {
-  if (!answer.map) return "<small>no map</small>";
-  return Escaped(ToText(answer.value)) + " <small>" + Escaped(Named(*answer.map)) + "</small>";
+std::string CellHtml(const Cell& cell) {
+  const auto& [value, map] = *cell.result;
+  if (!map) return "<small>no map</small>";
+  return Escaped(ToJsonText(value)) + " <small>" + Escaped(DisplayName(*map)) + "</small>";
 }
 
-void Replace(std::string& text, std::string_view mark, const std::string& with) {
-  text.replace(text.find(mark), mark.size(), with);
+void Replace(std::string& text, std::string_view mark, const std::string& replacement) {
+  text.replace(text.find(mark), mark.size(), replacement);
 }
 
 }  // namespace
 
-Page::Page(std::string source, const Fleet& fleet) : source_(std::move(source)), fleet_(fleet) {
-  for (const std::string& name : SortsIn("sim")) sorts_.push_back({name});
+HtmlReport::HtmlReport(std::string source, const Fleet& fleet)
+    : source_(std::move(source)), fleet_(fleet) {
+  // The longest chain comes first, as it has the maps of all others, in their order.
+  std::vector<std::vector<std::string>> chains;
+  for (const Family& family : Families()) chains.push_back(MapKindNames(family));
+  std::ranges::stable_sort(chains, std::greater(), &std::vector<std::string>::size);
+  for (const auto& names : chains) {
+    for (const std::string& name : names) {
+      if (std::ranges::find(map_kinds_, name, &MapKind::name) == map_kinds_.end()) {
+        map_kinds_.push_back({name});
+      }
+    }
+  }
 }
 
-void Page::Begin(const std::string& key, const std::string& kind) {
+void HtmlReport::BeginFeature(const std::string& key, Kind kind) {
   sections_.push_back({key, kind, {}});
 }
 
-void Page::Add(const std::string& family, const Grids& made) {
+void HtmlReport::Add(const Family& family, const MatrixLayout& layout) {
   const auto styles = StylesOf(family);
   std::string html;
-  for (const auto& [regions, carriers, rows] : made.grids) {
+  for (const auto& [regions, carriers, rows] : layout.tables) {
     html += "<table>\n<thead><tr><th scope=col>region";
     for (const CodeGroup& group : carriers) {
-      html += "<th scope=col>" + Label(group, fleet_.carriers, "carrier", Code);
+      html += "<th scope=col>" + Heading(group, fleet_.carriers, "carrier", CodeHtml);
     }
     html += "</thead>\n<tbody>\n";
     for (std::size_t i = 0; i < rows.size(); ++i) {
-      html += "<tr><th scope=row>" + Label(regions[i], fleet_.regions, "region", Code);
-      for (const Answer* answer : rows[i]) {
-        html += "<td class=" + Style(*answer, styles) + '>' + Contents(*answer);
+      html += "<tr><th scope=row>" + Heading(regions[i], fleet_.regions, "region", CodeHtml);
+      for (const Cell& cell : rows[i]) {
+        html += "<td class=" + CellStyle(cell, styles) + '>' + CellHtml(cell);
       }
       html += "</tr>\n";
     }
     html += "</table>\n";
   }
-  if (!made.singles.empty()) html += "<p>but\n";
-  for (const auto& [region, carrier, answer] : made.singles) {
-    html += "<span class=" + Style(*answer, styles) + "><b>" + Code(fleet_.regions[region]) + ", " +
-            Code(fleet_.carriers[carrier]) + "</b> " + Contents(*answer) + "</span>\n";
+  if (!layout.exceptions.empty()) html += "<p>exceptions\n";
+  for (const auto& [region, carrier, cell] : layout.exceptions) {
+    html += "<span class=" + CellStyle(cell, styles) + "><b>" + CodeHtml(fleet_.regions[region]) +
+            ", " + CodeHtml(fleet_.carriers[carrier]) + "</b> " + CellHtml(cell) + "</span>\n";
   }
-  auto& grids = sections_.back().grids;
-  if (!grids.empty() && grids.back().second == html) {
-    grids.back().first += " and " + family;
+  auto& tables = sections_.back().tables;
+  if (!tables.empty() && tables.back().second == html) {
+    tables.back().first += std::string(" and ") + family.name;
   } else {
-    grids.emplace_back(family, html);
+    tables.emplace_back(family.name, html);
   }
 }
 
-std::string Page::ToHtml() const {
+std::string HtmlReport::ToHtml() const {
   std::string legend, features;
-  for (std::size_t i = 0; i < sorts_.size(); ++i) {
-    const auto& [name, is_asked] = sorts_[i];
-    if (is_asked) legend += "<li class=" + StyleOf(i) + "><small>" + Escaped(name) + "</small>\n";
+  for (std::size_t i = 0; i < map_kinds_.size(); ++i) {
+    const auto& [name, is_used] = map_kinds_[i];
+    if (is_used) legend += "<li class=" + StyleName(i) + "><small>" + Escaped(name) + "</small>\n";
   }
-  for (const auto& [key, kind, grids] : sections_) {
-    features += "<section><h2>" + Escaped(Named(key)) + " <small>" + kind + "</small></h2>\n";
-    for (const auto& [families, html] : grids) {
+  for (const auto& [key, kind, tables] : sections_) {
+    features += "<section><h2>" + Escaped(DisplayName(key)) + " <small>" + ToString(kind) +
+                "</small></h2>\n";
+    for (const auto& [families, html] : tables) {
       features.append("<h3>by ").append(families).append("</h3>\n<div>\n");
       features.append(html).append("</div>\n");
     }
     features += "</section>\n";
   }
-  std::string page = kPageTemplate;
-  // From the last to the first, so that no mark is looked for in what was put in.
+  std::string page = kHtmlReportFrame;
+  // From the last mark to the first, so that no mark is searched for in inserted text.
   Replace(page, "{features}", features);
   Replace(page, "{legend}", legend);
-  Replace(page, "{carriers}", Codes(fleet_.carriers));
-  Replace(page, "{regions}", Codes(fleet_.regions));
+  Replace(page, "{carriers}", Join(fleet_.carriers, ", ", CodeHtml));
+  Replace(page, "{regions}", Join(fleet_.regions, ", ", CodeHtml));
   Replace(page, "{source}", Escaped(source_));
   Replace(page, "{title}", Escaped(source_));
   return page;
 }
 
-// The style of each place in the family's chain.
-std::vector<std::string> Page::StylesOf(const std::string& family) {
+// The style of each position in the family's chain.
+std::vector<std::string> HtmlReport::StylesOf(const Family& family) {
   std::vector<std::string> styles;
-  for (const std::string& name : SortsIn(family)) {
-    const auto sort = std::ranges::find(sorts_, name, &Sort::name);
-    sort->is_asked = true;
-    styles.push_back(StyleOf(static_cast<std::size_t>(sort - sorts_.begin())));
+  for (const std::string& name : MapKindNames(family)) {
+    const auto found = std::ranges::find(map_kinds_, name, &MapKind::name);
+    found->is_used = true;
+    styles.push_back(StyleName(static_cast<std::size_t>(found - map_kinds_.begin())));
   }
   return styles;
 }
+
+}  // namespace cadrova::tools

@@ -1,39 +1,45 @@
-// The answers of all devices as one page of HTML, which needs nothing else.
+// The results of all devices as one HTML page that needs no other file.
 #pragma once
 
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "fleet/feature_index.h"
 #include "fleet/matrix_layout.h"
 
-class Page {
- public:
-  // `source` is what holds the data.
-  Page(std::string source, const Fleet& fleet);
+namespace cadrova::tools {
 
-  // A feature begins; the grids that are added then are of it.
-  void Begin(const std::string& key, const std::string& kind);
-  void Add(const std::string& family, const Grids& grids);
+class HtmlReport {
+ public:
+  // `source` names the data.
+  HtmlReport(std::string source, const Fleet& fleet);
+
+  // Begins a feature. The layouts that are added next belong to it.
+  void BeginFeature(const std::string& key, Kind kind);
+  void Add(const Family& family, const MatrixLayout& layout);
 
   std::string ToHtml() const;
 
  private:
   struct Section {
-    std::string key, kind;
-    std::vector<std::pair<std::string, std::string>> grids;  // of families
+    std::string key;
+    Kind kind;
+    std::vector<std::pair<std::string, std::string>> tables;  // names of families, and HTML
   };
 
-  // Maps of one sort, such as those of a carrier.
-  struct Sort {
+  // A kind of map, such as that of a carrier. Its number selects the colour and sign.
+  struct MapKind {
     std::string name;
-    bool is_asked = false;  // by a family on the page
+    bool is_used = false;  // by a family of the report
   };
 
-  std::vector<std::string> StylesOf(const std::string& family);
+  std::vector<std::string> StylesOf(const Family& family);
 
   std::string source_;
   const Fleet& fleet_;
-  std::vector<Sort> sorts_;  // in the order of a SIM's chain, which has those of all families
+  std::vector<MapKind> map_kinds_;
   std::vector<Section> sections_;
 };
+
+}  // namespace cadrova::tools

@@ -1,33 +1,108 @@
 #include "output/json.h"
 
 #include <cmath>
+#include <cstdint>
+#include <nlohmann/json.hpp>
 #include <utility>
 
+#include "failure.h"
 #include "output/console.h"
-#include "output/text.h"
 
-Json ToJson(const Value& value) {
+namespace cadrova::tools {
+namespace {
+
+// Floats have 32 bits, and so as few digits as in plain text. Members stay in their order.
+using Json = nlohmann::basic_json<nlohmann::ordered_map, std::vector, std::string, bool,
+                                  std::int64_t, std::uint64_t, float>;
+
+Json FromValue(const Value& value) {
   const auto* number = std::get_if<float>(&value);
-  if (number != nullptr && !std::isfinite(*number)) {
-    Fail("JSON has no " + ToText(value) + "; ask without --json");
-  }
-  return std::visit([](const auto& answer) { return Json(answer); }, value);
+  if (number != nullptr && std::isnan(*number)) return "nan";
+  if (number != nullptr && std::isinf(*number)) return *number < 0 ? "-inf" : "inf";
+  return std::visit([](const auto& contents) { return Json(contents); }, value);
+}
+
+Json FromOptional(const auto& optional) { return optional ? Json(*optional) : Json(); }
+
+Json FromResult(const Result& result) {
+  return {{"value", FromValue(result.value)}, {"map", FromOptional(result.map)}};
 }
 
 std::string ToLine(const Json& json) {
   try {
-    return json.dump() + '\n';
+    return json.dump();
   } catch (const Json::exception&) {
-    Fail("JSON can't carry what is not UTF-8; ask without --json");
+    throw Failure("JSON can't contain text that is not UTF-8; use the command without --json");
   }
 }
 
-void JsonArray::Add(const Json& element) {
+}  // namespace
+
+std::string ToJson(const Value& value) { return ToLine(FromValue(value)); }
+
+std::string ToJson(const Explanation& explanation) {
+  const auto& [query, recording, chain] = explanation;
+  Json json = {{"function", query.family->FunctionName(query.kind)},
+               {"key", query.key},
+               {"kind", ToString(query.kind)}};
+  if (query.kind <= Kind::kString) json["default"] = FromValue(query.default_value);
+  json["value"] = FromValue(recording.value);
+  const auto* source = recording.chain.source();
+  json["answered_by"] = source == nullptr ? Json() : Json(source->name);
+  const std::string& printed = recording.printed;
+  json["line"] = printed.empty() ? Json() : Json(printed.substr(0, printed.size() - 1));
+  json["properties"] = recording.properties;
+  json["maps"] = Json::array();
+  for (const ChainEntry& entry : chain) {
+    Json kinds = Json::array();
+    for (const Kind kind : entry.kinds) kinds.push_back(ToString(kind));
+    json["maps"].push_back({{"map", entry.map},
+                            {"asked", entry.is_consulted},
+                            {"holds", kinds},
+                            {"value", entry.value ? FromValue(*entry.value) : Json()}});
+  }
+  return ToLine(json);
+}
+
+std::string ToJson(const Feature& feature) {
+  const auto& [key, kind, maps] = feature;
+  return ToLine({{"key", key}, {"kind", ToString(kind)}, {"maps", maps}});
+}
+
+void JsonArrayPrinter::Add(const std::string& json) {
   constexpr std::size_t kMuch = 1U << 16U;
-  std::string line = ToLine(element);
-  line.pop_back();
-  text_ += (std::exchange(is_empty_, false) ? "\n" : ",\n") + line;
+  text_ += (std::exchange(is_empty_, false) ? "\n" : ",\n") + json;
   if (text_.size() > kMuch) Print(std::exchange(text_, ""));
 }
 
-JsonArray::~JsonArray() { Print(text_ + (is_empty_ ? "]\n" : "\n]\n")); }
+void JsonArrayPrinter::Finish() { Print(text_ + (is_empty_ ? "]\n" : "\n]\n")); }
+
+void PrintJson(const FleetChains& chains, const Results& results) {
+  const auto& [regions, carriers] = chains.fleet();
+  JsonArrayPrinter array;
+  for (std::size_t region = 0; region < regions.size(); ++region) {
+    for (std::size_t carrier = 0; carrier < carriers.size(); ++carrier) {
+      const Result& result = results.Get(chains.Get(region, carrier));
+      array.Add(ToLine({{"region", regions[region]},
+                        {"carrier", carriers[carrier]},
+                        {"value", FromValue(result.value)},
+                        {"map", FromOptional(result.map)}}));
+    }
+  }
+  array.Finish();
+}
+
+void AddChange(JsonArrayPrinter& array, const Feature& feature, const FleetChains& chains,
+               const Change& change) {
+  for (const auto& [region, carrier] : change.devices) {
+    array.Add(ToLine({{"family", chains.family().name},
+                      {"kind", ToString(feature.kind)},
+                      {"key", feature.key},
+                      {"region", chains.fleet().regions[region]},
+                      {"carrier", chains.fleet().carriers[carrier]},
+                      {"old", FromResult(*change.before)},
+                      {"new", FromResult(*change.after)}}));
+  }
+}
+
+}  // namespace cadrova::tools

@@ -1,33 +1,33 @@
-// Values as JSON on standard output.
+// Values and results as JSON, each in one line. Infinite floats and NaN are the strings "inf",
+// "-inf" and "nan". All throw a Failure for text that is not UTF-8.
 #pragma once
 
-#include <cstdint>
-#include <nlohmann/json.hpp>
 #include <string>
-#include <vector>
 
-#include "common/value.h"
+#include "fleet/changes.h"
+#include "lookup/explanation.h"
 
-// Floats stay 32 bits wide, and so as short as in plain text. Members stay in their order.
-using Json = nlohmann::basic_json<nlohmann::ordered_map, std::vector, std::string, bool,
-                                  std::int64_t, std::uint64_t, float>;
+namespace cadrova::tools {
 
-Json ToJson(const cadrova::tools::Value& value);
+std::string ToJson(const Value& value);
+std::string ToJson(const Explanation& explanation);
+std::string ToJson(const Feature& feature);
 
-// One line; fails for what is not UTF-8.
-std::string ToLine(const Json& json);
-
-// A JSON array on standard output, an element a line.
-class JsonArray {
+// Prints a JSON array, one element per line, while its elements are made.
+class JsonArrayPrinter {
  public:
-  JsonArray() = default;
-  JsonArray(const JsonArray&) = delete;
-  JsonArray& operator=(const JsonArray&) = delete;
-  ~JsonArray();
-
-  void Add(const Json& element);
+  void Add(const std::string& json);
+  // After the last element.
+  void Finish();
 
  private:
-  std::string text_ = "[";  // not yet printed
+  std::string text_ = "[";  // not printed yet
   bool is_empty_ = true;
 };
+
+// One element per device.
+void PrintJson(const FleetChains& chains, const Results& results);
+void AddChange(JsonArrayPrinter& array, const Feature& feature, const FleetChains& chains,
+               const Change& change);
+
+}  // namespace cadrova::tools

@@ -1,44 +1,16 @@
 #include "output/text.h"
 
-#include <charconv>
-#include <cmath>
-#include <cstdlib>
+#include <algorithm>
+#include <map>
+#include <utility>
 
 #include "common/json_text.h"
+#include "common/table.h"
+#include "common/text.h"
+#include "file.h"
 #include "output/console.h"
 
-using cadrova::tools::AppendJson;
-using cadrova::tools::kIsList;
-
-Value ParseDefault(const std::string& text, const Value& zero) {
-  const auto refuse = [&](const std::string& why) { Fail("default '" + text + "' " + why); };
-  const char* const end = text.data() + text.size();
-  if (std::holds_alternative<bool>(zero)) {
-    if (text != "true" && text != "false") refuse("is no bool; use true or false");
-    return text == "true";
-  }
-  if (std::holds_alternative<int>(zero)) {
-    int value = 0;
-    const auto [rest, error] = std::from_chars(text.data(), end, value);
-    if (error == std::errc::result_out_of_range) refuse("is out of the range of a 32-bit int");
-    if (error != std::errc() || rest != end) refuse("is no int; use decimal digits");
-    return value;
-  }
-  if (std::holds_alternative<float>(zero)) {
-    char* rest = nullptr;
-    const float value = std::strtof(text.c_str(), &rest);
-    const bool starts_well = !text.empty() && !std::isspace(static_cast<unsigned char>(text[0]));
-    if (!starts_well || rest != end) refuse("is no float; write it like 0.5 or 1e3");
-    if (std::isinf(value) && text.find_first_of("iI") == std::string::npos) {
-      refuse("is out of the range of a 32-bit float");
-    }
-    return value;
-  }
-  if (std::holds_alternative<std::string>(zero)) return text;
-  refuse("is refused: list kinds have none, a missing list is empty");
-  return zero;
-}
-
+namespace cadrova::tools {
 namespace {
 
 std::string ToPlain(const std::string& text) { return text; }
@@ -55,20 +27,221 @@ std::string ToPlain(auto number) {
 
 std::string ToLines(const Value& value) {
   return std::visit(
-      []<class Kind>(const Kind& answer) {
-        if constexpr (kIsList<Kind>) {
+      []<class T>(const T& contents) {
+        if constexpr (kIsList<T>) {
           std::string lines;
-          for (const auto& element : answer) lines += ToPlain(element) + '\n';
+          for (const auto& element : contents) lines += ToPlain(element) + '\n';
           return lines;
         } else {
-          return ToPlain(answer) + '\n';
+          return ToPlain(contents) + '\n';
         }
       },
       value);
 }
 
-std::string ToText(const Value& value) {
+std::string ToText(const std::vector<Feature>& features) {
+  std::vector<Row> rows;
+  rows.reserve(features.size());
+  for (const auto& [key, kind, maps] : features) {
+    rows.push_back({DisplayName(key), ToString(kind), Join(maps, ", ", DisplayName)});
+  }
+  return Table(rows);
+}
+
+namespace {
+
+std::string Summary(const Explanation& explanation) {
+  const auto& [query, recording, chain] = explanation;
+  const std::string value = ToJsonText(recording.value);
+  if (const auto* map = recording.chain.source()) {
+    return value + ", from " + DisplayName(map->name);
+  }
+  return value + ", the default: no map contains " + DisplayName(query.key) + " as " +
+         ToString(query.kind);
+}
+
+std::string KindsText(const ChainEntry& entry, Kind wanted) {
+  if (entry.kinds.empty()) return "-";
+  return Join(entry.kinds, ", ", host::ToString) +
+         (entry.value ? "" : std::string(", not ") + host::ToString(wanted));
+}
+
+std::string ChainTable(const Explanation& explanation) {
+  std::vector<Row> rows = {{"map         ", "kind   ", "value"}};
+  for (const ChainEntry& entry : explanation.chain) {
+    rows.push_back({DisplayName(entry.map), KindsText(entry, explanation.query.kind),
+                    entry.value ? ToJsonText(*entry.value) : ""});
+  }
+  const auto lines = AlignedLines(rows);
+  std::string table = "  " + lines[0] + '\n';
+  for (std::size_t i = 0; i < explanation.chain.size(); ++i) {
+    const ChainEntry& entry = explanation.chain[i];
+    const std::string& line = lines[i + 1];
+    const bool is_other_kind = !entry.kinds.empty() && !entry.value;
+    table += entry.is_source ? Colored("> " + line, kGreen)
+             : is_other_kind ? Colored("  " + line, kYellow)
+                             : "  " + line;
+    table += '\n';
+  }
+  return table;
+}
+
+// The lines, with the label in front of the first one.
+std::string Labelled(std::string label, const std::vector<std::string>& lines) {
   std::string text;
-  std::visit([&](const auto& answer) { AppendJson(text, answer); }, value);
+  for (const std::string& line : lines) {
+    label.resize(14, ' ');
+    text += std::exchange(label, "") + ' ' + host::Printable(line) + '\n';
+  }
   return text;
 }
+
+std::vector<std::string> FirstThree(std::vector<std::string> lines) {
+  constexpr std::size_t kMost = 3;
+  if (lines.size() <= kMost) return lines;
+  const std::string rest = "and " + std::to_string(lines.size() - kMost) + " more";
+  lines.resize(kMost);
+  lines.push_back(rest);
+  return lines;
+}
+
+std::vector<std::string> PropertyLines(const Recording& recording) {
+  std::vector<std::string> lines;
+  for (const auto& [name, value] : recording.properties) {
+    const std::string line = name + (value.empty() ? " is unset" : " = " + DisplayName(value));
+    if (std::ranges::find(lines, line) == lines.end()) lines.push_back(line);
+  }
+  return lines;
+}
+
+}  // namespace
+
+std::string ToText(const Explanation& explanation, const DataFacts* facts) {
+  const std::string& printed = explanation.recording.printed;
+  std::vector<std::string> printed_lines;
+  if (!printed.empty()) printed_lines = {printed.substr(0, printed.size() - 1)};
+  std::string text = Colored(Summary(explanation), kBold) + "\n\n" + ChainTable(explanation) +
+                     '\n' + Labelled("properties", PropertyLines(explanation.recording)) +
+                     Labelled("printed", printed_lines);
+  if (facts == nullptr) return text;
+  return text + Labelled("data", {facts->file}) +
+         Labelled("not in chain", FirstThree(facts->other_maps)) +
+         Labelled("similar keys", FirstThree(facts->similar_keys));
+}
+
+namespace {
+
+// The cells of a matrix. Long values are replaced by numbers, and listed below.
+class CellTexts {
+ public:
+  std::string ToText(const Cell& cell) {
+    const Result& result = *cell.result;
+    if (!result.map) return "no map";
+    std::string value = ToJsonText(result.value);
+    if (host::CharacterCount(value) > kMostCharacters) value = NumberOf(value);
+    return value + ' ' + DisplayName(*result.map);
+  }
+
+  std::string LongValues() const {
+    std::string lines;
+    for (std::size_t i = 0; i < long_values_.size(); ++i) {
+      lines += (i == 0 ? "\n(" : "(") + std::to_string(i + 1) + ")  " + long_values_[i] + '\n';
+    }
+    return lines;
+  }
+
+ private:
+  static constexpr std::size_t kMostCharacters = 16;
+
+  std::string NumberOf(const std::string& value) {
+    auto found = std::ranges::find(long_values_, value);
+    if (found == long_values_.end()) found = long_values_.insert(found, value);
+    return '(' + std::to_string(found - long_values_.begin() + 1) + ')';
+  }
+
+  std::vector<std::string> long_values_;
+};
+
+}  // namespace
+
+std::string ToText(const MatrixLayout& layout, const Fleet& fleet) {
+  std::string text;
+  CellTexts cells;
+  for (const auto& [regions, carriers, table] : layout.tables) {
+    std::vector<Row> rows(2, Row(carriers.size() + 1));
+    rows[0][1] = "carrier";
+    rows[1][0] = "region";
+    for (std::size_t i = 0; i < carriers.size(); ++i) {
+      rows[1][i + 1] = Heading(carriers[i], fleet.carriers, "carrier", DisplayName);
+    }
+    for (std::size_t i = 0; i < regions.size(); ++i) {
+      Row& row = rows.emplace_back(Row{Heading(regions[i], fleet.regions, "region", DisplayName)});
+      for (const Cell& cell : table[i]) row.push_back(cells.ToText(cell));
+    }
+    text += (text.empty() ? "" : "\n") + Table(rows);
+  }
+  if (!layout.exceptions.empty()) {
+    std::vector<Row> rows = {{"region", "carrier", "exception"}};
+    for (const auto& [region, carrier, cell] : layout.exceptions) {
+      rows.push_back({DisplayName(fleet.regions[region]), DisplayName(fleet.carriers[carrier]),
+                      cells.ToText(cell)});
+    }
+    text += '\n' + Table(rows);
+  }
+  return text + cells.LongValues();
+}
+
+namespace {
+
+// The codes at the positions in `chosen`, or all codes except the others, if that is shorter.
+std::string ChosenCodes(const std::vector<std::size_t>& chosen,
+                        const std::vector<std::string>& codes, const std::string& what) {
+  if (chosen.size() == codes.size() && codes.size() > 1) return "every " + what;
+  const bool are_most = codes.size() > 4 && 2 * chosen.size() > codes.size();
+  std::vector<std::string> listed;
+  for (std::size_t code = 0; code < codes.size(); ++code) {
+    if (std::ranges::binary_search(chosen, code) != are_most) listed.push_back(codes[code]);
+  }
+  return (are_most ? "every " + what + " except " : "") + Join(listed, ", ", DisplayName);
+}
+
+std::string DevicesText(const Change& change, const Fleet& fleet) {
+  using Positions = std::vector<std::size_t>;
+  std::map<std::size_t, Positions> regions_of;
+  for (const auto& [region, carrier] : change.devices) regions_of[carrier].push_back(region);
+  std::map<Positions, Positions> carriers_in;
+  for (const auto& [carrier, regions] : regions_of) carriers_in[regions].push_back(carrier);
+  return Join(carriers_in, "; ", [&](const auto& entry) {
+    const auto& [regions, carriers] = entry;
+    return ChosenCodes(carriers, fleet.carriers, "carrier") + " in " +
+           ChosenCodes(regions, fleet.regions, "region");
+  });
+}
+
+std::string ResultText(const Result& result) {
+  return result.map ? ToJsonText(result.value) + ' ' + DisplayName(*result.map) : "no map";
+}
+
+}  // namespace
+
+std::string ToText(const std::vector<Change>& changes, const Fleet& fleet) {
+  std::string lines;
+  for (const Change& change : changes) {
+    lines += "  " + Colored(ResultText(*change.before), kRed) + " -> " +
+             Colored(ResultText(*change.after), kGreen) + ": " + DevicesText(change, fleet) + '\n';
+  }
+  return lines;
+}
+
+std::string ToText(const std::vector<Finding>& findings, const std::string& file) {
+  std::string lines;
+  for (const auto& [place, is_error, message] : findings) {
+    const host::Error position = {file, place, "", {}};
+    lines += Colored(host::Printable(ToString(position)), kBold) +
+             (is_error ? Colored("error: ", kRed) : Colored("warning: ", kYellow)) +
+             host::Printable(message) + '\n';
+  }
+  return lines;
+}
+
+}  // namespace cadrova::tools

@@ -1,0 +1,44 @@
+// What each command implements.
+#pragma once
+
+#include <memory>
+#include <span>
+
+#include "commands/command_line.h"
+
+namespace cadrova::tools {
+
+class Command {
+ public:
+  virtual ~Command() = default;
+
+  // Declares the options and arguments. The object keeps their values.
+  virtual void Bind(Options& options) = 0;
+
+  // Returns the exit status; throws a Failure.
+  virtual int Run() = 0;
+};
+
+// The exit statuses of all commands except trace.
+constexpr int kSuccess = 0, kNegative = 1;  // kNegative: a missing item, a change, a finding
+
+struct CommandInfo {
+  const char* name;
+  const char* summary;
+  const char* example;
+  std::unique_ptr<Command> (*make)();
+};
+
+// All commands, in the order of the help text.
+std::span<const CommandInfo> Commands();
+
+std::unique_ptr<Command> MakeCheck();
+std::unique_ptr<Command> MakeDiff();
+std::unique_ptr<Command> MakeExplain();
+std::unique_ptr<Command> MakeGet();
+std::unique_ptr<Command> MakeHelp();
+std::unique_ptr<Command> MakeList();
+std::unique_ptr<Command> MakeMatrix();
+std::unique_ptr<Command> MakeTrace();
+
+}  // namespace cadrova::tools

@@ -1,0 +1,129 @@
+#include "commands/command_line.h"
+
+#include <CLI/CLI.hpp>
+#include <sstream>
+
+#include "commands/command.h"
+#include "common/text.h"
+#include "failure.h"
+#include "output/console.h"
+
+namespace cadrova::tools {
+namespace {
+
+CLI::Option& Declare(CLI::Option* option, const std::string& name, const std::string& type) {
+  // If a value is forgotten, CLI11 takes the next option's name for it.
+  return *option->type_name(type)->check([name](const std::string& value) {
+    return name[0] == '-' && value.starts_with("--") ? "'" + value + "' is an option" : "";
+  });
+}
+
+const CommandInfo& FindCommand(const std::string& name) {
+  for (const CommandInfo& command : Commands()) {
+    if (command.name == name) return command;
+  }
+  throw Failure("unknown command '" + name + "'; use one of: " +
+                Join(Commands(), ", ", &CommandInfo::name));
+}
+
+// The argument parser with all commands declared. Each one's `Run` is called if it is parsed.
+class Parser {
+ public:
+  Parser() : app_("Look up how a device is customized, and why", "cadrova") {
+    app_.get_formatter()->column_width(20);
+    app_.get_formatter()->label("SUBCOMMAND", "COMMAND");
+    app_.get_formatter()->label("REQUIRED", "");
+    app_.set_version_flag("--version", CADROVA_VERSION, "Print the version and exit");
+    app_.set_help_flag("-h,--help", "Print this help message and exit");
+    app_.require_subcommand(0, 1);
+    for (const CommandInfo& info : Commands()) {
+      CLI::App& app = *app_.add_subcommand(info.name, info.summary)->group("Commands");
+      app.footer(std::string("Example: ") + info.example);
+      commands_.push_back(info.make());
+      Options options(app);
+      commands_.back()->Bind(options);
+    }
+  }
+
+  int Run(int argc, const char* const* argv) {
+    if (argc > 1 && argv[1][0] != '-') FindCommand(argv[1]);
+    try {
+      app_.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+      return PrintOrThrow(error);
+    }
+    for (std::size_t i = 0; i < commands_.size(); ++i) {
+      if (app_.got_subcommand(Commands()[i].name)) return commands_[i]->Run();
+    }
+    throw Failure("a command is required; see cadrova --help");
+  }
+
+  std::string Help(const std::string& command) const {
+    const std::string name = command.empty() ? "" : FindCommand(command).name;
+    const CLI::App* app = command.empty() ? &app_ : app_.get_subcommand(name);
+    return Trimmed(app_.get_formatter()->make_help(
+        app, command.empty() ? "cadrova" : "cadrova " + name, CLI::AppFormatMode::Normal));
+  }
+
+ private:
+  // CLI11 ends some texts with blank lines.
+  static std::string Trimmed(const std::string& text) {
+    return text.substr(0, text.find_last_not_of('\n') + 1) + '\n';
+  }
+
+  // Help and version texts arrive as errors, too.
+  int PrintOrThrow(const CLI::ParseError& error) const {
+    if (error.get_exit_code() == 0) {
+      std::ostringstream text;
+      app_.exit(error, text);
+      Print(Trimmed(text.str()));
+      return kSuccess;
+    }
+    std::string what = error.what();
+    const bool is_unexpected = dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr;
+    if (is_unexpected && what.find(": -") != std::string::npos) {
+      what += "; put arguments that start with \"-\" after \"--\"";
+    }
+    std::string command = "cadrova";
+    for (const CLI::App* app : app_.get_subcommands()) command += ' ' + app->get_name();
+    throw Failure(what + "; see " + command + " --help");
+  }
+
+  CLI::App app_;
+  std::vector<std::unique_ptr<Command>> commands_;
+};
+
+}  // namespace
+
+void Options::AddRequired(const std::string& name, std::string& value,
+                          const std::string& description) {
+  Declare(app_.add_option(name, value, description), name, "").required();
+}
+
+void Options::Add(const std::string& name, std::optional<std::string>& value,
+                  const std::string& type, const std::string& description) {
+  Declare(app_.add_option(name, value, description), name, type);
+}
+
+void Options::AddFlag(const std::string& name, bool& value, const std::string& description) {
+  app_.add_flag(name, value, description);
+}
+
+void Options::AddRepeatable(const std::string& name, std::vector<std::string>& values,
+                            const std::string& type, const std::string& description) {
+  Declare(app_.add_option(name, values, description), name, type)
+      .expected(1)
+      ->allow_extra_args(false)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+}
+
+void Options::AddRemaining(const std::string& name, std::vector<std::string>& values,
+                           const std::string& description) {
+  app_.add_option(name, values, description)->required()->type_name("");
+}
+
+int RunCommandLine(int argc, const char* const* argv) { return Parser().Run(argc, argv); }
+
+std::string HelpText(const std::string& command) { return Parser().Help(command); }
+
+}  // namespace cadrova::tools

@@ -1,0 +1,42 @@
+// The command line: which command, with which options and arguments.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace CLI {
+class App;
+class Option;
+}  // namespace CLI
+
+namespace cadrova::tools {
+
+// Declares the options and arguments of one command. A `name` that begins with a dash is an option,
+// any other one a positional argument. `type` is what the help text calls an option's value.
+class Options {
+ public:
+  explicit Options(CLI::App& app) : app_(app) {}
+
+  void AddRequired(const std::string& name, std::string& value, const std::string& description);
+  void Add(const std::string& name, std::optional<std::string>& value, const std::string& type,
+           const std::string& description);
+  void AddFlag(const std::string& name, bool& value, const std::string& description);
+  // An option that may be repeated, each time with one value.
+  void AddRepeatable(const std::string& name, std::vector<std::string>& values,
+                     const std::string& type, const std::string& description);
+  // All remaining arguments, at least one.
+  void AddRemaining(const std::string& name, std::vector<std::string>& values,
+                    const std::string& description);
+
+ private:
+  CLI::App& app_;
+};
+
+// Runs the command that the arguments name, and returns the exit status; throws a Failure.
+int RunCommandLine(int argc, const char* const* argv);
+
+// The help text of the command, or of cadrova itself if the name is empty; throws a Failure.
+std::string HelpText(const std::string& command);
+
+}  // namespace cadrova::tools

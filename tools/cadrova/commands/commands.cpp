@@ -1,0 +1,31 @@
+// The table of commands.
+
+#include "commands/command.h"
+
+namespace cadrova::tools {
+namespace {
+
+constexpr CommandInfo kCommands[] = {
+    {"explain", "Show which map a value comes from",
+     "cadrova explain sim int calling.ring_seconds --region EU --carrier X1", MakeExplain},
+    {"get", "Print the value of one feature",
+     "cadrova get carrier-region int calling.ring_seconds --region EU --carrier X1", MakeGet},
+    {"list", "List features and the maps that contain them", "cadrova list 'calling.*'", MakeList},
+    {"matrix", "Show the value of a feature on every device",
+     "cadrova matrix carrier-region int calling.ring_seconds\n"
+     "         cadrova matrix --html devices.html",
+     MakeMatrix},
+    {"diff", "Show which devices another file changes, and how", "cadrova diff old.toml new.toml",
+     MakeDiff},
+    {"check", "Report errors and redundant values in a file",
+     "cadrova check data.toml --regions ,EU,JP --carriers ,X1,N7", MakeCheck},
+    {"trace", "Run a program and log its lookups", "cadrova trace -o lookups.txt -- my_program",
+     MakeTrace},
+    {"help", "Show help for cadrova or one command", "cadrova help explain", MakeHelp},
+};
+
+}  // namespace
+
+std::span<const CommandInfo> Commands() { return kCommands; }
+
+}  // namespace cadrova::tools
