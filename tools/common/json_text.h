@@ -2,6 +2,7 @@
 // inf or nan, and bytes beyond ASCII are copied as they are, UTF-8 or not.
 #pragma once
 
+#include <algorithm>
 #include <charconv>
 #include <cstdint>
 #include <iterator>
@@ -28,17 +29,28 @@ struct PairArrayBlock {
   const char* const* strings;
 };
 
+constexpr bool IsControl(char byte) {
+  return static_cast<unsigned char>(byte) < ' ' || byte == 0x7F;
+}
+
 inline void AppendJson(std::string& text, std::string_view string) {
   constexpr char kDigits[] = "0123456789abcdef";
+  const auto needs_escape = [](char byte) {
+    return byte == '"' || byte == '\\' || IsControl(byte);
+  };
   text += '"';
-  for (const char character : string) {
-    const auto byte = static_cast<unsigned char>(character);
-    if (byte < ' ' || byte == 0x7F) {
-      text += {'\\', 'u', '0', '0', kDigits[byte >> 4U], kDigits[byte & 15U]};
-      continue;
+  auto rest = string.begin();
+  while (true) {
+    const auto special = std::find_if(rest, string.end(), needs_escape);
+    text.append(rest, special);
+    if (special == string.end()) break;
+    text += '\\';
+    if (IsControl(*special)) {
+      text += {'u', '0', '0', kDigits[*special >> 4], kDigits[*special & 15]};
+    } else {
+      text += *special;
     }
-    if (character == '"' || character == '\\') text += '\\';
-    text += character;
+    rest = special + 1;
   }
   text += '"';
 }

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <functional>
-#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -38,10 +37,13 @@ inline std::string DisplayName(const std::string& name) {
   return is_plain ? name : ToJsonText(name);
 }
 
-// A function and its arguments: function("EU", "ring.seconds", 3)
-std::string CallText(const char* function, const auto&... arguments) {
-  const std::initializer_list<std::string> texts = {ToJsonText(arguments)...};
-  return function + ('(' + Join(texts) + ')');
+// Appends a function and its arguments: function("EU", "ring.seconds", 3)
+void AppendCall(std::string& text, const char* function, const auto& first, const auto&... rest) {
+  text += function;
+  text += '(';
+  AppendJson(text, first);
+  ((text += ", ", AppendJson(text, rest)), ...);
+  text += ')';
 }
 
 }  // namespace cadrova::tools

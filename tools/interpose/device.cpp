@@ -51,7 +51,8 @@ auto PassOn(DeviceCall call, const char* function, const Rest&... rest) {
     if (call.type != Type::kRead) call.exists = &answer;
   }
   Observe(call, [&](std::string& text) {
-    text += CallText(function, call.name, call.key, rest...) + " = ";
+    AppendCall(text, function, call.name, call.key, rest...);
+    text += " = ";
     AppendJson(text, Shown{answer});
   });
   return answer;
@@ -138,5 +139,5 @@ void cxx_sim_set_the_cadrova(const std::string& name, const std::string& first,
   CallDevice(next, name, first, second);
   DeviceCall call = {.type = Type::kHandOver, .name = name, .key = first};
   const char* const function = __func__;
-  Observe(call, [&](std::string& text) { text += CallText(function, name, first, second); });
+  Observe(call, [&](std::string& text) { AppendCall(text, function, name, first, second); });
 }

@@ -15,8 +15,8 @@ namespace cadrova::tools {
 // Exists on the calling thread from the start of the lookup until its line is written.
 class Lookup {
  public:
-  Lookup(const char* function, const std::string& key, const auto&... default_value)
-      : key_(key), line_(LineStart() + CallText(function, key, default_value...)) {
+  Lookup(const char* function, const std::string& key, const auto&... default_value) : key_(key) {
+    AppendCall(line_, function, key, default_value...);
     current = this;
   }
   Lookup(const Lookup&) = delete;
@@ -39,7 +39,7 @@ class Lookup {
   void WriteLine();
 
   std::string key_;
-  std::string line_;
+  std::string line_ = LineStart();
   std::string steps_;  // only if they are shown
   Chain chain_;
 };
