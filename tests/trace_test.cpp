@@ -81,12 +81,12 @@ A setSimCadrova("first", "second"); handed to SIM_DEFAULT, ""
 )"},
       {{"--summary"}, {TRACED, "forks"}, R"(
 A lookups: 1
-calls  by none  feature  kind  answered by  last value
-    1        1  nope     int                2
+lookups  default  key   kind  from maps  last value
+      1        1  nope  int              2
 B lookups: 2
-calls  by none  feature  kind  answered by  last value
-    1        0  held     int   DEFAULT 1    5
-    1        1  nope     int                3
+lookups  default  key   kind  from maps  last value
+      1        0  held  int   DEFAULT 1  5
+      1        1  nope  int              3
 )"},
       {{},
        {TRACED, "is-killed"},
@@ -109,9 +109,9 @@ A sim_get_int_item_exist("SIM_DEFAULT", "held") = false
 A getCotaRegionCustIntFeature("held", 4) = 6 from ""; asked COTA__, COTA_, ""
 )"},
       {{"--summary"}, {LOADING}, R"(
-A lookups: 2; questions of lookups not known by name: 6
-calls  by none  feature  kind  answered by  last value
-    2        0  held     int   "" 2         6
+A lookups: 2; calls by lookups without a name: 6
+lookups  default  key   kind  from maps  last value
+      2        0  held  int   "" 2       6
 )"},
   };
   for (const auto& [options, program, trace, status] : cases) {

@@ -1,20 +1,24 @@
-// Values, and blocks of the core's, as text in one line: as JSON writes them, and where JSON can't,
-// a float as inf or nan and any other byte as it stands.
+// Values and the core's blocks as one line of JSON. Two things JSON can't express: a float may be
+// inf or nan, and bytes beyond ASCII are copied as they are, UTF-8 or not.
 #pragma once
 
+#include <algorithm>
 #include <charconv>
 #include <cstdint>
+#include <iterator>
 #include <string>
 #include <string_view>
 #include <type_traits>
 #include <utility>
+#include <variant>
 #include <vector>
 
+#include "cadrova/value.h"
 #include "parser_core.h"
 
 namespace cadrova::tools {
 
-// Blocks as the core answers with them, only looked at.
+// The core's blocks, by their layout. They are read, never freed.
 struct StringArrayBlock {
   const char* const* strings;
 };
@@ -25,28 +29,29 @@ struct PairArrayBlock {
   const char* const* strings;
 };
 
+constexpr bool IsControl(char byte) {
+  return static_cast<unsigned char>(byte) < ' ' || byte == 0x7F;
+}
+
 inline void AppendJson(std::string& text, std::string_view string) {
   constexpr char kDigits[] = "0123456789abcdef";
+  const auto needs_escape = [](char byte) {
+    return byte == '"' || byte == '\\' || IsControl(byte);
+  };
   text += '"';
-  std::size_t plain = 0;  // bytes in front that stand for themselves
-  while (plain < string.size()) {
-    const auto byte = static_cast<unsigned char>(string[plain]);
-    const bool is_control = byte < ' ' || byte == 0x7F;
-    if (!is_control && byte != '"' && byte != '\\') {
-      ++plain;
-      continue;
-    }
-    text += string.substr(0, plain);
+  auto rest = string.begin();
+  while (true) {
+    const auto special = std::find_if(rest, string.end(), needs_escape);
+    text.append(rest, special);
+    if (special == string.end()) break;
     text += '\\';
-    if (is_control) {
-      text += {'u', '0', '0', kDigits[byte >> 4U], kDigits[byte & 15U]};
+    if (IsControl(*special)) {
+      text += {'u', '0', '0', kDigits[*special >> 4], kDigits[*special & 15]};
     } else {
-      text += string[plain];
+      text += *special;
     }
-    string.remove_prefix(plain + 1);
-    plain = 0;
+    rest = special + 1;
   }
-  text += string;
   text += '"';
 }
 inline void AppendJson(std::string& text, const std::string& string) {
@@ -81,72 +86,49 @@ void AppendJson(std::string& text, const std::pair<First, Second>& pair) {
   text += ']';
 }
 
-// Elements between brackets, with commas between them.
-class Brackets {
- public:
-  explicit Brackets(std::string& text) : text_(text) { text_ += '['; }
-  Brackets(const Brackets&) = delete;
-  Brackets& operator=(const Brackets&) = delete;
-  ~Brackets() { text_ += ']'; }
-  void Add(const auto& element) {
-    if (!std::exchange(is_first_, false)) text_ += ',';
-    AppendJson(text_, element);
-  }
-
- private:
-  std::string& text_;
-  bool is_first_ = true;
-};
-
 template <class Element>
 void AppendJson(std::string& text, const std::vector<Element>& list) {
-  Brackets brackets(text);
-  for (const Element& element : list) brackets.Add(element);
+  text += '[';
+  const char* separator = "";
+  for (const Element& element : list) {
+    text += std::exchange(separator, ",");
+    AppendJson(text, element);
+  }
+  text += ']';
 }
 
 inline void AppendJson(std::string& text, StringArrayBlock block) {
-  Brackets brackets(text);
-  if (block.strings == nullptr) return;
-  for (const auto* slot = block.strings; *slot != nullptr; ++slot) brackets.Add(*slot);
+  std::vector<const char*> list;
+  const auto* slot = block.strings;
+  while (slot != nullptr && *slot != nullptr) list.push_back(*slot++);
+  AppendJson(text, list);
 }
 
 inline void AppendJson(std::string& text, IntArrayBlock block) {
-  Brackets brackets(text);
+  std::vector<std::int32_t> list;
   const std::int32_t count = block.numbers == nullptr ? 0 : block.numbers[0];
-  for (std::int32_t i = 0; i < count; ++i) brackets.Add(block.numbers[1 + i]);
+  for (std::int32_t i = 0; i < count; ++i) list.push_back(block.numbers[1 + i]);
+  AppendJson(text, list);
 }
 
 inline void AppendJson(std::string& text, PairArrayBlock block) {
-  Brackets brackets(text);
-  if (block.strings == nullptr) return;
-  // After a NULL key the slot for its value may not exist.
-  for (const auto* slot = block.strings; slot[0] != nullptr && slot[1] != nullptr; slot += 2) {
-    brackets.Add(std::pair(slot[0], slot[1]));
+  std::vector<std::pair<const char*, const char*>> list;
+  // After a NULL key, the slot for its value may not exist.
+  const auto* slot = block.strings;
+  for (; slot != nullptr && slot[0] != nullptr && slot[1] != nullptr; slot += 2) {
+    list.emplace_back(slot[0], slot[1]);
   }
+  AppendJson(text, list);
 }
 
-// function("EU", "ring.seconds", 3)
-void AppendCall(std::string& text, const char* function, const auto&... arguments) {
-  text += function;
-  const char* before = "(";
-  ((text += std::exchange(before, ", "), AppendJson(text, arguments)), ...);
-  text += ')';
+inline void AppendJson(std::string& text, const host::Value& value) {
+  std::visit([&](const auto& content) { AppendJson(text, content); }, value);
 }
 
-// The name of a map or a code, as it stands where that can't be taken for anything else.
-inline void AppendName(std::string& text, const std::string& name) {
-  constexpr std::string_view kPlain =
-      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_.-";
-  if (!name.empty() && name.find_first_not_of(kPlain) == std::string::npos) {
-    text += name;
-  } else {
-    AppendJson(text, name);
-  }
-}
-
-inline std::string Named(const std::string& name) {
+template <class T>
+std::string ToJsonText(const T& value) {
   std::string text;
-  AppendName(text, name);
+  AppendJson(text, value);
   return text;
 }
 

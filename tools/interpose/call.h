@@ -1,9 +1,12 @@
-// In front of the device: the core's 21 functions and `android::base::GetProperty`, each of which
-// passes the call on to the next definition and tells what was asked and answered. An executable or
-// a preloaded library that holds these sees all that the library asks, of any core. The answers'
-// blocks are looked at, never freed and never kept.
+// The library's calls to the device, as an observer sees them.
+//
+// device.cpp defines the core's 21 functions and `android::base::GetProperty`. Each passes the call
+// on to the next definition of its symbol, then shows the call and its answer to `observer`. A
+// program that links device.cpp, or into which it is preloaded, observes every call of the library,
+// whichever core answers it. The core's blocks are read, never freed and never kept.
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "parser_core.h"
@@ -12,34 +15,32 @@ namespace cadrova::tools {
 
 using ExistenceTest = cadrova_core_bool(const std::string& map, const std::string& key);
 
-// One question that has been answered, while the library waits for the answer.
-struct Step {
-  enum class What { kProperty, kTest, kSimTest, kRead, kHandOver };
+// One call of the library to the device, after the device has answered it.
+struct DeviceCall {
+  enum class Type { kGetProperty, kTest, kSimTest, kRead, kHandOver };
 
-  What what;
-  const std::string& name;                // the property, or the map
-  const std::string& key;                 // in that map; or the property's default
-  const void* caller = nullptr;           // where in the program it was asked
-  ExistenceTest* test_of_kind = nullptr;  // whether a map holds what was read
-  // The answers that may be changed, NULL for what has another.
+  Type type;
+  const std::string& name;        // of the property or the map
+  const std::string& key;         // in the map; for a property, its default
+  const void* caller = nullptr;   // kGetProperty: the return address
+  ExistenceTest* test = nullptr;  // kRead: the existence test of the same kind
+  // The answers that an observer may change; NULL if the call has another answer.
   std::string* property = nullptr;
   cadrova_core_bool* exists = nullptr;
+  std::function<void(std::string& text)> append_to = {};
 
-  Step(What of, const std::string& asked, const std::string& under)
-      : what(of), name(asked), key(under) {}
-
-  // Appends the question and its answer: get_int_item_exist("EU", "ring.seconds") = true
-  virtual void AppendTo(std::string& text) const = 0;
-
- protected:
-  ~Step() = default;
+  // Appends the call and its answer: get_int_item_exist("EU", "ring.seconds") = true
+  void AppendTo(std::string& text) const { append_to(text); }
 };
 
-// For whoever has this layer to define. Called on the thread that asks, after each answer; but not
-// for what the core asks in its turn.
-void Heard(Step& step);
+using Observer = void (*)(DeviceCall& call);
 
-// The answer of `test`, one of the core's, which is not heard.
-bool Holds(ExistenceTest* test, const std::string& map, const std::string& key);
+// Called on the calling thread after each answer, but not for calls that the core itself makes.
+// NULL observes nothing. Each binary that links device.cpp defines it, with a constant initialiser:
+// the first calls may come before other initialisers have run.
+extern const Observer observer;
+
+// The core's answer to `test`, which is not observed.
+bool CoreContains(ExistenceTest* test, const std::string& map, const std::string& key);
 
 }  // namespace cadrova::tools

@@ -1,4 +1,4 @@
-// The maps that one lookup asks, in order, and which of them answers.
+// The chain of one lookup, collected from its calls to the device.
 #pragma once
 
 #include <string>
@@ -12,29 +12,31 @@ class Chain {
  public:
   struct Map {
     std::string name;
-    bool is_sim;  // asked by the tests of SIM data
+    bool is_sim;  // consulted with an existence test for SIM data
   };
 
-  void Add(const Step& step) {
-    using What = Step::What;
-    if (step.what == What::kProperty || is_answered_) return;
-    maps_.push_back({step.name, step.what == What::kSimTest});
-    if (step.exists != nullptr) is_held_ = cadrova::core::IsTrue(*step.exists);
-    // The last resort is read without a test.
-    const bool is_read = step.what == What::kRead;
-    if (is_read) is_held_ = Holds(step.test_of_kind, step.name, step.key);
-    is_answered_ = is_held_ || is_read;
+  void Add(const DeviceCall& call) {
+    using Type = DeviceCall::Type;
+    // After the source is found, the library only reads it.
+    if (call.type == Type::kGetProperty || is_complete_) return;
+    maps_.push_back({call.name, call.type == Type::kSimTest});
+    if (call.exists != nullptr) last_contains_item_ = cadrova::core::IsTrue(*call.exists);
+    // The last map of a chain is read without an existence test.
+    const bool is_read = call.type == Type::kRead;
+    if (is_read) last_contains_item_ = CoreContains(call.test, call.name, call.key);
+    is_complete_ = last_contains_item_ || is_read;
   }
 
+  // The maps that the lookup consulted, in order.
   const std::vector<Map>& maps() const { return maps_; }
 
-  // The last of them, where it holds the item; NULL where none does.
-  const Map* answered_by() const { return is_held_ ? &maps_.back() : nullptr; }
+  // The map that the value came from, or NULL if the value is the default.
+  const Map* source() const { return last_contains_item_ ? &maps_.back() : nullptr; }
 
  private:
   std::vector<Map> maps_;
-  bool is_answered_ = false;
-  bool is_held_ = false;
+  bool is_complete_ = false;
+  bool last_contains_item_ = false;
 };
 
 }  // namespace cadrova::tools

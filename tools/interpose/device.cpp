@@ -1,17 +1,16 @@
-// These definitions come before everybody else's.
+// The definitions here come before all others, so they must be visible.
 #pragma GCC visibility push(default)
 #include <android-base/properties.h>
 
 #include "parser_core.h"
 #pragma GCC visibility pop
 
+#include <functional>
 #include <string>
-#include <tuple>
 #include <type_traits>
 #include <utility>
-#include <variant>
 
-#include "common/json_text.h"
+#include "common/text.h"
 #include "existence_tests.h"
 #include "interpose/call.h"
 #include "interpose/next_symbol.h"
@@ -19,73 +18,58 @@
 namespace cadrova::tools {
 namespace {
 
-using What = Step::What;
+using Type = DeviceCall::Type;
 
-// While the device answers, what it asks in its turn is its own business.
-thread_local bool device_answers = false;
+// True while the device answers. The calls that it makes itself are not observed.
+thread_local bool device_is_answering = false;
 
-auto Ask(auto* question, const auto&... arguments) {
-  const struct Answering {
-    bool before = std::exchange(device_answers, true);
-    ~Answering() { device_answers = before; }
-  } answering;
-  return question(arguments...);
+auto CallDevice(auto* function, const auto&... arguments) {
+  const struct Scope {
+    bool before = std::exchange(device_is_answering, true);
+    ~Scope() { device_is_answering = before; }
+  } scope;
+  return function(arguments...);
 }
 
-// A step; its answer is shown as `Shown`.
-template <class Shown, class Answer, class... Rest>
-class Call final : public Step {
- public:
-  Call(What of, const char* function, const Answer& answer, const std::string& asked,
-       const std::string& under, const Rest&... rest)
-      : Step(of, asked, under), function_(function), answer_(answer), rest_(rest...) {}
+// Shows `call` to the observer. `append` is called only if the observer wants the text.
+void Observe(DeviceCall& call, const auto& append) {
+  if (observer == nullptr) return;
+  call.append_to = std::ref(append);  // By reference, which allocates nothing.
+  observer(call);
+}
 
-  void AppendTo(std::string& text) const override {
-    std::apply([&](const Rest&... rest) { AppendCall(text, function_, name, key, rest...); },
-               rest_);
-    if constexpr (!std::is_same_v<Shown, std::monostate>) {
-      text += " = ";
-      AppendJson(text, Shown{answer_});
-    }
-  }
-
- private:
-  const char* const function_;
-  const Answer& answer_;
-  const std::tuple<const Rest&...> rest_;
-};
-
-// Passes a call of `own` on and tells of it, with what `add` knows of the step.
+// Passes a call of `own` on to the next definition, and shows it to the observer. `call` is filled
+// in except for the answer. The text shows the answer as `Shown`.
 template <auto* own, class Shown, class... Rest>
-auto PassOn(What what, const char* function, auto add, const std::string& name,
-            const std::string& key, const Rest&... rest) {
+auto PassOn(DeviceCall call, const char* function, const Rest&... rest) {
   auto* const next = Next<own>::Find();
-  if (device_answers) return next(name, key, rest...);
-  auto answer = Ask(next, name, key, rest...);
-  Call<Shown, decltype(answer), Rest...> call(what, function, answer, name, key, rest...);
-  add(call, answer);
-  Heard(call);
+  if (device_is_answering) return next(call.name, call.key, rest...);
+  auto answer = CallDevice(next, call.name, call.key, rest...);
+  if constexpr (std::is_same_v<decltype(answer), std::string>) {
+    call.property = &answer;
+  } else if constexpr (std::is_same_v<decltype(answer), cadrova_core_bool>) {
+    if (call.type != Type::kRead) call.exists = &answer;
+  }
+  Observe(call, [&](std::string& text) {
+    AppendCall(text, function, call.name, call.key, rest...);
+    text += " = ";
+    AppendJson(text, Shown{answer});
+  });
   return answer;
 }
 
-template <auto* own>
-cadrova_core_bool Test(What what, const char* function, const std::string& map,
-                       const std::string& key) {
-  const auto add = [](Step& step, cadrova_core_bool& answer) { step.exists = &answer; };
-  return PassOn<own, cadrova_core_bool>(what, function, add, map, key);
+DeviceCall Test(Type type, const std::string& map, const std::string& key) {
+  return {.type = type, .name = map, .key = key};
 }
 
-template <auto* own, class Shown, class... Default>
-auto Read(ExistenceTest* test_of_kind, const char* function, const std::string& map,
-          const std::string& key, const Default&... default_value) {
-  const auto add = [=](Step& step, const auto&) { step.test_of_kind = test_of_kind; };
-  return PassOn<own, Shown>(What::kRead, function, add, map, key, default_value...);
+DeviceCall Read(const std::string& map, const std::string& key, ExistenceTest* test) {
+  return {.type = Type::kRead, .name = map, .key = key, .test = test};
 }
 
 }  // namespace
 
-bool Holds(ExistenceTest* test, const std::string& map, const std::string& key) {
-  return cadrova::core::IsTrue(Ask(test, map, key));
+bool CoreContains(ExistenceTest* test, const std::string& map, const std::string& key) {
+  return cadrova::core::IsTrue(CallDevice(test, map, key));
 }
 
 }  // namespace cadrova::tools
@@ -93,64 +77,67 @@ bool Holds(ExistenceTest* test, const std::string& map, const std::string& key) 
 using namespace cadrova::tools;
 
 std::string android::base::GetProperty(const std::string& key, const std::string& default_value) {
-  const auto add = [caller = __builtin_return_address(0)](Step& step, std::string& answer) {
-    step.caller = caller;
-    step.property = &answer;
-  };
-  return PassOn<android::base::GetProperty, std::string>(What::kProperty, __func__, add, key,
-                                                         default_value);
+  return PassOn<android::base::GetProperty, std::string>({.type = Type::kGetProperty,
+                                                          .name = key,
+                                                          .key = default_value,
+                                                          .caller = __builtin_return_address(0)},
+                                                         __func__);
 }
 
-#define TEST(name, Value)                                                  \
-  cadrova_core_bool name(const std::string& map, const std::string& key) { \
-    return Test<name>(What::kTest, __func__, map, key);                    \
+#define TEST(name, Value)                                                          \
+  cadrova_core_bool name(const std::string& map, const std::string& key) {         \
+    return PassOn<name, cadrova_core_bool>(Test(Type::kTest, map, key), __func__); \
   }
-#define SIM_TEST(name, Value)                                              \
-  cadrova_core_bool name(const std::string& map, const std::string& key) { \
-    return Test<name>(What::kSimTest, __func__, map, key);                 \
+#define SIM_TEST(name, Value)                                                         \
+  cadrova_core_bool name(const std::string& map, const std::string& key) {            \
+    return PassOn<name, cadrova_core_bool>(Test(Type::kSimTest, map, key), __func__); \
   }
 CADROVA_EXISTENCE_TESTS(TEST, SIM_TEST)
 
 cadrova_core_bool get_bool_from_map(const std::string& map, const std::string& key,
                                     cadrova_core_bool default_value) {
-  return Read<get_bool_from_map, cadrova_core_bool>(get_bool_item_exist, __func__, map, key,
-                                                    default_value);
+  return PassOn<get_bool_from_map, cadrova_core_bool>(Read(map, key, get_bool_item_exist), __func__,
+                                                      default_value);
 }
 
 std::int32_t get_int_from_map(const std::string& map, const std::string& key,
                               std::int32_t default_value) {
-  return Read<get_int_from_map, std::int32_t>(get_int_item_exist, __func__, map, key,
-                                              default_value);
+  return PassOn<get_int_from_map, std::int32_t>(Read(map, key, get_int_item_exist), __func__,
+                                                default_value);
 }
 
 float get_float_from_map(const std::string& map, const std::string& key, float default_value) {
-  return Read<get_float_from_map, float>(get_float_item_exist, __func__, map, key, default_value);
+  return PassOn<get_float_from_map, float>(Read(map, key, get_float_item_exist), __func__,
+                                           default_value);
 }
 
 char* get_str_from_map(const std::string& map, const std::string& key,
                        const std::string& default_value) {
-  return Read<get_str_from_map, const char*>(get_str_item_exist, __func__, map, key, default_value);
+  return PassOn<get_str_from_map, const char*>(Read(map, key, get_str_item_exist), __func__,
+                                               default_value);
 }
 
 char** get_str_arr_from_map(const std::string& map, const std::string& key) {
-  return Read<get_str_arr_from_map, StringArrayBlock>(get_str_arr_item_exist, __func__, map, key);
+  return PassOn<get_str_arr_from_map, StringArrayBlock>(Read(map, key, get_str_arr_item_exist),
+                                                        __func__);
 }
 
 std::int32_t* get_int_arr_from_map(const std::string& map, const std::string& key) {
-  return Read<get_int_arr_from_map, IntArrayBlock>(get_int_arr_item_exist, __func__, map, key);
+  return PassOn<get_int_arr_from_map, IntArrayBlock>(Read(map, key, get_int_arr_item_exist),
+                                                     __func__);
 }
 
 char** get_map_arr_from_map(const std::string& map, const std::string& key) {
-  return Read<get_map_arr_from_map, PairArrayBlock>(get_map_arr_item_exist, __func__, map, key);
+  return PassOn<get_map_arr_from_map, PairArrayBlock>(Read(map, key, get_map_arr_item_exist),
+                                                      __func__);
 }
 
 void cxx_sim_set_the_cadrova(const std::string& name, const std::string& first,
                              const std::string& second) {
   auto* const next = Next<cxx_sim_set_the_cadrova>::Find();
-  if (device_answers) return next(name, first, second);
-  Ask(next, name, first, second);
-  constexpr std::monostate none;
-  Call<std::monostate, std::monostate, std::string> call(What::kHandOver, __func__, none, name,
-                                                         first, second);
-  Heard(call);
+  if (device_is_answering) return next(name, first, second);
+  CallDevice(next, name, first, second);
+  DeviceCall call = {.type = Type::kHandOver, .name = name, .key = first};
+  const char* const function = __func__;
+  Observe(call, [&](std::string& text) { AppendCall(text, function, name, first, second); });
 }

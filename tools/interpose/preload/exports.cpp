@@ -1,11 +1,10 @@
-// The library's lookups, found by their symbols before the library's own: each passes the call on
-// and says what came of it.
+// Defines the library's lookups in front of the library. Each passes the call on and records it.
 
 #include <string>
 #include <utility>
 
 #include "cadrova/cadrova.h"
-#include "common/value.h"
+#include "cadrova/value.h"
 #include "interpose/next_symbol.h"
 #include "lookup.h"
 
@@ -18,23 +17,24 @@ auto Traced(const char* function, std::string& key, Default&... default_value) {
   if (Lookup::current != nullptr) return next(std::move(key), std::move(default_value)...);
   Lookup lookup(function, key, default_value...);
   auto value = next(std::move(key), std::move(default_value)...);
-  lookup.Returned(value);
+  lookup.Finish(value);
   return value;
 }
 
 }  // namespace
 }  // namespace cadrova::tools
 
+using namespace cadrova::host;
 using namespace cadrova::tools;
 
 namespace android {
 
-#define WITH_DEFAULT(name, Kind)                       \
-  Kind name(std::string key, Kind default_value) {     \
+#define WITH_DEFAULT(name, Value)                      \
+  Value name(std::string key, Value default_value) {   \
     return Traced<name>(__func__, key, default_value); \
   }
-#define WITHOUT_DEFAULT(name, Kind) \
-  Kind name(std::string key) { return Traced<name>(__func__, key); }
+#define WITHOUT_DEFAULT(name, Value) \
+  Value name(std::string key) { return Traced<name>(__func__, key); }
 #define COMMON_TO_FAMILIES(Family)                              \
   WITH_DEFAULT(get##Family##BooleanFeature, bool)               \
   WITH_DEFAULT(get##Family##IntFeature, int)                    \
@@ -58,7 +58,7 @@ void setSimCadrova(std::string first, std::string second) {
   if (Lookup::current != nullptr) return next(std::move(first), std::move(second));
   Lookup lookup(__func__, first, second);
   next(std::move(first), std::move(second));
-  lookup.HandedOver();
+  lookup.FinishHandOver();
 }
 
 }  // namespace android

@@ -10,60 +10,54 @@
 namespace cadrova::tools {
 namespace {
 
-using What = Step::What;
+// The program may read properties too, for purposes of its own.
+bool IsFromLibrary(const DeviceCall& call) {
+  Dl_info caller;
+  return call.type != DeviceCall::Type::kGetProperty ||
+         (dladdr(call.caller, &caller) != 0 &&
+          std::strstr(caller.dli_fname, "libcadrova_cpp.so") != nullptr);
+}
 
-// Programs read properties for their own ends too.
-bool IsLibrarys(const Step& step) {
-  Dl_info asker;
-  return step.what != What::kProperty ||
-         (dladdr(step.caller, &asker) != 0 &&
-          std::strstr(asker.dli_fname, "libcadrova_cpp.so") != nullptr);
+void ObserveCall(DeviceCall& call) {
+  if (Lookup::current != nullptr) return Lookup::current->Add(call);
+  if (!IsFromLibrary(call)) return;
+  // The program has found the lookup with `dlsym`, so its name and end are not known.
+  if (Mode() == TraceMode::kSummary) return Summary::The().AddUnnamedCall();
+  std::string line = LineStart();
+  call.AppendTo(line);
+  Output::The().Write(line += '\n');
 }
 
 }  // namespace
 
-void Heard(Step& step) {
-  if (Lookup::current != nullptr) return Lookup::current->Add(step);
-  if (!IsLibrarys(step)) return;
-  if (Shows("summary")) return Summary::The().AddStep();
-  std::string line = LineStart();
-  step.AppendTo(line);
-  Output::The().Write(line += '\n');
-}
+constinit const Observer observer = ObserveCall;
 
-void Lookup::Add(const Step& step) {
-  if (Shows("steps")) {
+void Lookup::Add(const DeviceCall& call) {
+  if (Mode() == TraceMode::kSteps) {
     steps_ += "    ";
-    step.AppendTo(steps_);
+    call.AppendTo(steps_);
     steps_ += '\n';
   }
-  chain_.Add(step);
+  chain_.Add(call);
 }
 
-void Lookup::Finish(const char* kind, std::size_t value) {
-  const auto* map = chain_.answered_by();
-  std::string map_name;
-  if (map != nullptr) AppendName(map_name, map->name);
-  if (Shows("summary")) {
-    return Summary::The().AddLookup(key_, kind, map_name, line_.substr(value));
-  }
-  line_ += map == nullptr ? ", the default" : " from " + map_name;
-  Write("; asked ");
+void Lookup::Finish(const char* kind, const std::string& value) {
+  const Chain::Map* const map = chain_.source();
+  const std::string source = map == nullptr ? "" : DisplayName(map->name);
+  if (Mode() == TraceMode::kSummary) return Summary::The().AddLookup(key_, kind, source, value);
+  line_ += " = " + value + (map == nullptr ? ", the default" : " from " + source) + "; asked ";
+  WriteLine();
 }
 
-void Lookup::HandedOver() {
-  if (!Shows("summary")) Write("; handed to ");
+void Lookup::FinishHandOver() {
+  if (Mode() == TraceMode::kSummary) return;
+  line_ += "; handed to ";
+  WriteLine();
 }
 
-void Lookup::Write(const char* before_maps) {
-  line_ += before_maps;
-  const char* before = "";
-  for (const Chain::Map& map : chain_.maps()) {
-    line_ += std::exchange(before, ", ");
-    AppendName(line_, map.name);
-  }
-  line_ += '\n';
-  Output::The().Write(line_ += steps_);
+void Lookup::WriteLine() {
+  line_ += Join(chain_.maps(), ", ", [](const Chain::Map& map) { return DisplayName(map.name); });
+  Output::The().Write((line_ += '\n') += steps_);
 }
 
 }  // namespace cadrova::tools

@@ -1,17 +1,18 @@
-// A lookup that a program makes, and what libcadrova_trace.so says of it.
+// A lookup of the program, and the line that libcadrova_trace.so writes about it.
 #pragma once
 
 #include <string>
+#include <utility>
 
-#include "common/json_text.h"
-#include "common/value.h"
+#include "cadrova/value.h"
+#include "common/text.h"
 #include "interpose/call.h"
 #include "interpose/chain.h"
 #include "output.h"
 
 namespace cadrova::tools {
 
-// From before the lookup begins until its line is written, on one thread.
+// Exists on the calling thread from the start of the lookup until its line is written.
 class Lookup {
  public:
   Lookup(const char* function, const std::string& key, const auto&... default_value) : key_(key) {
@@ -22,27 +23,24 @@ class Lookup {
   Lookup& operator=(const Lookup&) = delete;
   ~Lookup() { current = nullptr; }
 
-  // The one that runs on this thread, or NULL. One that ends in another takes that in.
+  // The lookup that runs on this thread, or NULL. If it calls another, that is part of it.
   static inline thread_local Lookup* current = nullptr;
 
-  void Add(const Step& step);
+  void Add(const DeviceCall& call);
 
-  template <class Kind>
-  void Returned(const Kind& value) {
-    line_ += " = ";
-    const std::size_t start = line_.size();
-    AppendJson(line_, value);
-    Finish(kKindNames[Value(std::in_place_type<Kind>).index()], start);
+  template <class T>
+  void Finish(const T& value) {
+    Finish(host::ToString(host::KindOf(host::Value(std::in_place_type<T>))), ToJsonText(value));
   }
-  void HandedOver();
+  void FinishHandOver();
 
  private:
-  void Finish(const char* kind, std::size_t value);
-  void Write(const char* before_maps);
+  void Finish(const char* kind, const std::string& value);
+  void WriteLine();
 
   std::string key_;
   std::string line_ = LineStart();
-  std::string steps_;  // where they are shown
+  std::string steps_;  // only if they are shown
   Chain chain_;
 };
 

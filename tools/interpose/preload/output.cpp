@@ -13,6 +13,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <string_view>
 
 #include "common/json_text.h"
 
@@ -25,21 +26,22 @@ rlim_t Limit(int resource) {
   return limit.rlim_cur;
 }
 
-// A descriptor that the program neither meets nor hands on, whatever it does with the first ones.
-int Aside(int descriptor) {
-  const int far = static_cast<int>(std::min(Limit(RLIMIT_NOFILE), rlim_t{1024})) - 8;
-  return fcntl(descriptor, F_DUPFD_CLOEXEC, std::max(far, STDERR_FILENO + 1));
+// A copy of `descriptor` with a high number. The program, which may close and reopen low numbers,
+// does not meet it, and programs that it executes do not inherit it.
+int HighCopy(int descriptor) {
+  const int high = static_cast<int>(std::min(Limit(RLIMIT_NOFILE), rlim_t{1024})) - 8;
+  return fcntl(descriptor, F_DUPFD_CLOEXEC, std::max(high, STDERR_FILENO + 1));
 }
 
-// The signal that a write may raise, beyond its error; or 0.
-int SignalOfWriting(int descriptor) {
+// The signal that a failed write raises besides its error, or 0.
+int SignalOfFailedWrite(int descriptor) {
   struct stat status = {};
   fstat(descriptor, &status);
   if (S_ISFIFO(status.st_mode) || S_ISSOCK(status.st_mode)) return SIGPIPE;
   return Limit(RLIMIT_FSIZE) == RLIM_INFINITY ? 0 : SIGXFSZ;
 }
 
-// Keeps from this thread a signal, if it is one, that is raised meanwhile.
+// Keeps `signal` from this thread if it is raised while this object exists; 0 is no signal.
 class SignalIgnored {
  public:
   explicit SignalIgnored(int signal) : signal_(signal) {
@@ -63,11 +65,11 @@ class SignalIgnored {
   sigset_t pending_, ignored_, mask_;
 };
 
-// Returns the error that prevents it, or 0.
+// Returns the error that prevented it, or 0.
 int WriteAll(int descriptor, int signal, std::string_view text) {
   const SignalIgnored ignored(signal);
   while (!text.empty()) {
-    // By its number, since a thread can be cancelled in `write`.
+    // Not `write`, in which a thread can be cancelled.
     const long count = syscall(SYS_write, descriptor, text.data(), text.size());
     if (count >= 0) {
       text.remove_prefix(static_cast<std::size_t>(count));
@@ -81,14 +83,23 @@ int WriteAll(int descriptor, int signal, std::string_view text) {
   return 0;
 }
 
-// Where the process starts, before it can change anything.
-[[maybe_unused]] const Output& at_start = Output::The();
+// Reads the settings when the library is loaded, before the program can change its environment or
+// its descriptors. A lookup that an earlier initialiser makes does the same.
+[[gnu::constructor]] void ReadSettingsAtLoad() {
+  Mode();
+  Output::The();
+}
 
 }  // namespace
 
-bool Shows(std::string_view what) {
-  static const char* const wanted = std::getenv("CADROVA_TRACE_SHOW");
-  return wanted != nullptr && wanted == what;
+TraceMode Mode() {
+  static const TraceMode mode = [] {
+    const char* const variable = std::getenv("CADROVA_TRACE_SHOW");
+    const std::string_view name = variable == nullptr ? "" : variable;
+    if (name == "steps") return TraceMode::kSteps;
+    return name == "summary" ? TraceMode::kSummary : TraceMode::kLines;
+  }();
+  return mode;
 }
 
 std::string LineStart() {
@@ -103,30 +114,30 @@ std::string LineStart() {
   return line += ' ';
 }
 
-Output::Output() : standard_error_(Aside(STDERR_FILENO)), descriptor_(standard_error_) {
+Output::Output() : standard_error_(HighCopy(STDERR_FILENO)), descriptor_(standard_error_) {
   const char* const path = std::getenv("CADROVA_TRACE");
   if (path != nullptr && *path != '\0') {
     path_ = path;
     const int file = open(path, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
     if (file < 0) {
-      Complain(errno);
+      ReportFailure(errno);
     } else {
-      descriptor_ = Aside(file);
+      descriptor_ = HighCopy(file);
       close(file);
     }
   }
-  signal_ = SignalOfWriting(descriptor_);
+  signal_ = SignalOfFailedWrite(descriptor_);
 }
 
 void Output::Write(const std::string& lines) {
   const int error_before = errno;
   const int error = WriteAll(descriptor_, signal_, lines);
-  if (error != 0 && error != EPIPE) Complain(error);
+  if (error != 0 && error != EPIPE) ReportFailure(error);
   errno = error_before;
 }
 
-void Output::Complain(int error) {
-  if (has_complained_.test_and_set()) return;
+void Output::ReportFailure(int error) {
+  if (has_reported_.test_and_set()) return;
   WriteAll(standard_error_, SIGPIPE,
            "libcadrova_trace.so: can't write to " + path_ + ": " + std::strerror(error) +
                "; name another with CADROVA_TRACE\n");

@@ -1,4 +1,4 @@
-// What a process asked for, summed up when it ends.
+// A count of the lookups of a process, written when it ends.
 #pragma once
 
 #include <map>
@@ -10,18 +10,18 @@ namespace cadrova::tools {
 
 class Summary {
  public:
-  // Never destroyed: threads may still ask while the process exits.
+  // Never destroyed, since threads may make lookups while the process exits.
   static Summary& The() {
     static Summary& summary = *new Summary;
     return summary;
   }
 
-  // A lookup of `key`; `map` has answered, or none where it is empty.
-  void AddLookup(const std::string& key, const std::string& kind, const std::string& map,
+  // Counts a lookup. `source` is the map that the value came from, or empty for the default.
+  void AddLookup(const std::string& key, const std::string& kind, const std::string& source,
                  const std::string& value);
 
-  // A question of a lookup that isn't known.
-  void AddStep();
+  // Counts a call to the device by a lookup that is not named.
+  void AddUnnamedCall();
 
   void Write();
 
@@ -29,13 +29,13 @@ class Summary {
   Summary();
 
   struct Feature {
-    long calls = 0;
-    std::map<std::string, long> answers;  // by map
+    long lookups = 0;
+    std::map<std::string, long> lookups_by_source;
     std::string last_value;
   };
   std::mutex mutex_;
   std::map<std::pair<std::string, std::string>, Feature> features_;  // by key and kind
-  long steps_ = 0;
+  long unnamed_calls_ = 0;
 };
 
 }  // namespace cadrova::tools
