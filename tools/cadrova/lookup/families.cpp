@@ -151,7 +151,7 @@ ExistenceTest* TestOf(Kind kind, bool is_sim) {
 }
 
 Value ReadFromMap(const std::string& map, const std::string& key, const Value& default_value) {
-  switch (KindOf(default_value)) {
+  switch (host::KindOf(default_value)) {
     case Kind::kBool:
       return getBooleanFromRust(map, key, std::get<bool>(default_value));
     case Kind::kInt:

@@ -62,8 +62,8 @@ std::string Summary(const Explanation& explanation) {
 
 std::string KindsText(const ChainEntry& entry, Kind wanted) {
   if (entry.kinds.empty()) return "-";
-  return Join(entry.kinds, ", ", host::ToString) +
-         (entry.value ? "" : std::string(", not ") + host::ToString(wanted));
+  return Join(entry.kinds, ", ", [](Kind kind) { return ToString(kind); }) +
+         (entry.value ? "" : std::string(", not ") + ToString(wanted));
 }
 
 std::string ChainTable(const Explanation& explanation) {
