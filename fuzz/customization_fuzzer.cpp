@@ -1,30 +1,37 @@
-// Arbitrary bytes as the stand-in core's data file and as a handed-over text: a mistake with its
-// place, or data that answers; never a crash.
+// Arbitrary bytes as the fake core's customization file and as the text of a SIM item. They give
+// items, or errors with a place and one line of text; never a crash.
 
 #include <cstdint>
 #include <cstdlib>
 #include <string>
-#include <string_view>
+#include <vector>
 
-#include "customization.h"
+#include "store.h"
+#include "toml_reader.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
   using namespace cadrova::host;
   const std::string text(reinterpret_cast<const char*>(bytes), size);
-  auto outcome = Customization::Parse(text, "f");
-  if (const auto* mistake = std::get_if<Mistake>(&outcome)) {
-    if (mistake->line == 0 || mistake->column == 0 || mistake->reason.empty()) std::abort();
-    if (mistake->reason.find('\n') != std::string::npos) std::abort();
-  } else {
-    auto& customization = std::get<Customization>(outcome);
-    customization.Set("M", "k", std::string("v"));
-    const Item* item = customization.Find("M", "k");
-    if (item == nullptr || As<std::string>(*item) == nullptr) std::abort();
+  Store store;
+  const std::vector<Error> errors = ReadToml(text, "f", store);
+  Place last;
+  for (const Error& error : errors) {
+    const auto [line, column] = error.place;
+    if (line == 0 || column == 0 || error.reason.empty()) std::abort();
+    if (error.reason.find('\n') != std::string::npos) std::abort();
+    if (line < last.line || (line == last.line && column < last.column)) std::abort();
+    last = error.place;
   }
-  const Item item = ItemFromText(text);
-  const auto* string = As<std::string>(item);
+  Contents contents;
+  store.AppendTo(contents);
+  for (const Contents::Item& item : contents.items) {
+    const Store::Item* found = store.Find(item.map, item.key);
+    if (found == nullptr || !(found->place == item.place) || item.place.line == 0) std::abort();
+  }
+  const StoredValue value = SimValueFromText(text);
+  const auto* string = As<std::string>(value);
   if (string != nullptr && string->find('\0') == std::string::npos && string->size() > size) {
-    std::abort();  // a string is no longer than how it was written
+    std::abort();  // A string is no longer than its TOML form.
   }
   return 0;
 }

@@ -12,25 +12,25 @@
 
 namespace cadrova::host {
 
-std::variant<std::string, Mistake> ReadFile(const std::string& path) {
-  constexpr std::size_t kMost = std::size_t{1} << 30;
-  const std::string too_large = "it is larger than 1 GiB";
-  const auto refuse = [&](const std::string& why) {
-    return Mistake{path, 0, 0, "can't be read: " + why};
+std::variant<std::string, Error> ReadFile(const std::string& path) {
+  constexpr std::size_t kMaximumSize = std::size_t{1} << 30;
+  const auto fail = [&](const std::string& why) {
+    return Error{.file = path, .place = {}, .reason = "can't be read: " + why, .related = {}};
   };
-  const auto refuse_for_errno = [&] { return refuse(std::generic_category().message(errno)); };
+  const auto fail_with_errno = [&] { return fail(std::generic_category().message(errno)); };
+  const auto fail_with_size = [&] { return fail("it is larger than 1 GiB"); };
   const std::unique_ptr<FILE, int (*)(FILE*)> file(std::fopen(path.c_str(), "rbe"), std::fclose);
-  if (file == nullptr) return refuse_for_errno();
+  if (file == nullptr) return fail_with_errno();
   struct stat status;
-  if (fstat(fileno(file.get()), &status) == 0 && status.st_size > off_t{kMost}) {
-    return refuse(too_large);
+  if (fstat(fileno(file.get()), &status) == 0 && status.st_size > off_t{kMaximumSize}) {
+    return fail_with_size();
   }
   std::string contents;
   std::array<char, 65536> buffer;
   while (std::feof(file.get()) == 0) {
     contents.append(buffer.data(), std::fread(buffer.data(), 1, buffer.size(), file.get()));
-    if (std::ferror(file.get()) != 0) return refuse_for_errno();
-    if (contents.size() > kMost) return refuse(too_large);
+    if (std::ferror(file.get()) != 0) return fail_with_errno();
+    if (contents.size() > kMaximumSize) return fail_with_size();
   }
   return contents;
 }
@@ -42,10 +42,14 @@ std::string Printable(std::string_view text) {
   return printable;
 }
 
-void Stop(const Mistake& mistake) {
+void Stop(const std::vector<Error>& errors) {
   std::fflush(stdout);
-  std::fprintf(stderr, "%s\n", Printable(ToString(mistake)).c_str());
+  for (const Error& error : errors) {
+    std::fprintf(stderr, "%s\n", Printable(ToString(error)).c_str());
+  }
   std::_Exit(2);
 }
+
+void Stop(const Error& error) { Stop(std::vector{error}); }
 
 }  // namespace cadrova::host

@@ -1,21 +1,24 @@
-// How the stand-ins read their files, and how they end a process that can't be answered.
+// How the fake core and the fake property store read files, and how they end a process.
 #pragma once
 
 #include <string>
 #include <string_view>
 #include <variant>
+#include <vector>
 
 #include "cadrova/host.h"
 
 namespace cadrova::host {
 
-// The whole file at `path`, or why it can't be read to its end.
-std::variant<std::string, Mistake> ReadFile(const std::string& path);
+// The contents of the file at `path`, or why it can't be read.
+std::variant<std::string, Error> ReadFile(const std::string& path);
 
-// `text` with a `?` for every byte that doesn't print, so that a mistake stays one line.
+// `text` with a `?` for each control character, so that a message is one line.
 std::string Printable(std::string_view text);
 
-// Ends the process, after all that it has printed: nobody is answered from half a file.
-[[noreturn]] void Stop(const Mistake& mistake);
+// Flushes standard output, prints the errors to standard error and ends the process with status 2.
+// A fake that can't read its file does this, as the interface that it implements has no errors.
+[[noreturn]] void Stop(const std::vector<Error>& errors);
+[[noreturn]] void Stop(const Error& error);
 
 }  // namespace cadrova::host

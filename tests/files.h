@@ -1,5 +1,4 @@
-// The files of a test program: a folder of this process alone, gone when the program ends, and
-// customization with an item of each kind. Their sizes leave array blocks no byte to spare.
+// Files of a test program. They are in a folder of this process, which is removed at exit.
 #pragma once
 
 #include <cstdlib>
@@ -17,7 +16,7 @@ inline const struct TemporaryFolder {
   std::string path = std::filesystem::temp_directory_path() / "cadrova.XXXXXX";
 } kTemporaryFolder;
 
-// The path of a file in it with these contents.
+// Writes a file in that folder and returns its path.
 inline std::string TemporaryFile(const std::string& name, const std::string& contents) {
   const std::string path = kTemporaryFolder.path + '/' + name;
   std::ofstream(path, std::ios::binary) << contents;
@@ -29,6 +28,8 @@ inline std::string Contents(const std::string& path) {
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
+// An item of each kind. The blocks of the arrays have sizes that malloc does not round up, so that
+// a sanitizer notices one byte too many.
 inline const std::string kItems = R"(
 bool = true
 int = -2147483648

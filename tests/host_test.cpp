@@ -1,5 +1,5 @@
-// The stand-in parser core and property store, through the interfaces they stand in for and the
-// kit.
+// The fake core and the fake property store, through the interfaces that they implement and the
+// test kit.
 
 #include "cadrova/host.h"
 
@@ -20,68 +20,137 @@
 
 namespace {
 
+using namespace android;
 using namespace cadrova::host;
-using android::base::GetProperty;
-using android::base::SetProperty;
+using base::GetProperty;
+using base::SetProperty;
 
-using IntArray = std::vector<int>;
-using MapArray = std::vector<std::pair<std::string, std::string>>;
-
-// Where the process begins, and where each test that answers from other data ends.
+const std::vector<Error> kNoErrors;
 const std::string kData =
     TemporaryFile("data.toml", "[DEFAULT]" + kItems + "[SIM_X1]" + kItems + "[SIMX]" + kItems);
-const bool kIsAlone =
-    setenv("CADROVA_HOST_DATA", kData.c_str(), 1) == 0 && unsetenv("CADROVA_HOST_PROPS") == 0;
+
+// Each test starts in the state of a new process, with this default file.
+class FakeCore : public testing::Test {
+ protected:
+  void SetUp() override {
+    setenv("CADROVA_HOST_DATA", kData.c_str(), 1);
+    unsetenv("CADROVA_HOST_PROPS");
+    Reset();
+  }
+};
+using FakePropertyStore = FakeCore;
+using Kit = FakeCore;
 
 std::string Repeated(const std::string& text, int times) {
-  std::string repeated;
-  while (times-- > 0) repeated += text;
-  return repeated;
+  return times == 0 ? "" : text + Repeated(text, times - 1);
 }
 
-TEST(StandInDeathTest, StopsWhereItsFileCannotBeReadAfterAllThatWasPrinted) {
-  const auto ask = [](const std::string& setting) {
+TEST_F(FakeCore, StopsAfterPendingOutputIfADefaultFileHasErrors) {
+  const auto look_up = [](const std::string& variable, const std::string& file) {
     dup2(STDERR_FILENO, STDOUT_FILENO);
     std::printf("before ");
-    setenv(setting.c_str(), "/nowhere", 1);
-    android::getRegionCustIntFeature("k", 0);
+    setenv(variable.c_str(), file.c_str(), 1);
+    getRegionCustIntFeature("k", 0);
   };
-  for (const std::string setting : {"CADROVA_HOST_DATA", "CADROVA_HOST_PROPS"}) {
-    EXPECT_EXIT(ask(setting), testing::ExitedWithCode(2),
-                "^before /nowhere: can't be read: No such file or directory; name another with " +
-                    setting + "\n$");
+  for (const std::string variable : {"CADROVA_HOST_DATA", "CADROVA_HOST_PROPS"}) {
+    const std::string message =
+        "^before /nowhere: can't be read: No such file or directory; name another file with ";
+    EXPECT_EXIT(look_up(variable, "/nowhere"), testing::ExitedWithCode(2),
+                message + variable + "\n$");
   }
+  const std::string bad = TemporaryFile("bad", "x = 1\ny = 2\n");
+  EXPECT_EXIT(
+      look_up("CADROVA_HOST_DATA", bad), testing::ExitedWithCode(2),
+      "^before " + bad + ":1:1: x is [^;]*; [^;]*\n" + bad + ":2:1: y is [^;]*; .* line\n$");
 }
 
-TEST(Kit, AnswersFromTheLastDataWithoutAMistakeUntilItStartsOver) {
+TEST_F(Kit, LoadsDataWithoutErrorsAndClearsOnePartAtATime) {
   const auto expect = [](const std::string& string, const std::string& property) {
-    EXPECT_EQ(android::getStringFromRust("SIM_X1", "string", ""), string);
+    EXPECT_EQ(getStringFromRust("SIM_X1", "string", ""), string);
     EXPECT_EQ(GetProperty("p", "-"), property);
   };
   const auto change = [] {
     EXPECT_TRUE(SetProperty("p", "q"));
     cxx_sim_set_the_cadrova("X1", "string", "y");
   };
-  EXPECT_EQ(AnswerFromFile(TemporaryFile("x.toml", "[SIM_X1]\nstring = 'x'\n")), std::nullopt);
+  EXPECT_EQ(LoadFile(TemporaryFile("x.toml", "[SIM_X1]\nstring = 'x'\n")), kNoErrors);
   expect("x", "-");
   change();
-  EXPECT_EQ(AnswerFromText("[SIM_X1]\nstring = 'z'\n"), std::nullopt);
-  EXPECT_NE(AnswerFromText("[SIM_X1]\nstring = 'w'\n?"), std::nullopt);
+  EXPECT_EQ(LoadText("[SIM_X1]\nstring = 'z'\n"), kNoErrors);
+  EXPECT_NE(LoadText("[SIM_X1]\nstring = 'w'\nx = 2147483648\n"), kNoErrors);
+  EXPECT_NE(LoadFile("/nowhere"), kNoErrors);
   expect("y", "q");
-  ForgetSim();
+  ClearSim();
   expect("z", "q");
-  ForgetProperties();
+  ClearProperties();
   expect("z", "-");
   change();
-  StartOver();
+  Reset();
   expect("a text of 24 characters.", "-");
-  change();
-  SetProperty("p", "");
-  expect("y", "-");
 }
 
-// That an item does exist as its own kind, the command's test sees.
-TEST(StandInCore, AnItemExistsAsNoOtherKindInNoOtherMap) {
+TEST_F(Kit, SetsTheDevice) {
+  Set("COTA_X1_EU", "k", 3);
+  SetDevice("EU", "X1");
+  EXPECT_EQ(getCotaRegionCustIntFeature("k", 0), 3);
+  SetDevice("", "");
+  EXPECT_EQ(GetProperty("ro.orvel.region", "-") + GetProperty("persist.sys.cota.carrier", "+"),
+            "-+");
+}
+
+TEST_F(Kit, SetsItemsUntilTheNextLoadAndListsWhatLookupsFind) {
+  const auto expect_list = [](const std::string& expected) {
+    std::ostringstream lines;
+    const auto list = List();
+    for (const auto& [name, place] : list.maps) {
+      lines << name << ' ' << place.line << ':' << place.column << '\n';
+    }
+    for (const auto& [map, key, kinds, place] : list.items) {
+      lines << map << ' ' << key << ' ' << place.line << ':' << place.column;
+      for (const Kind kind : kinds) lines << ' ' << kind;
+      lines << '\n';
+    }
+    EXPECT_EQ(lines.str(), expected);
+  };
+  Set("DEFAULT", "bool", 8);
+  EXPECT_EQ(List().file, kData);
+  EXPECT_FALSE(get_bool_item_exist("DEFAULT", "bool")) << "an int has replaced it";
+  EXPECT_TRUE(get_int_item_exist("DEFAULT", "int"));
+  ASSERT_EQ(LoadText("[b]\nz = 1\n'é'.c = true\n[a.x]\ny = []\n[SIM_X1]\nk = 1\nl = 's'\n[c]\n"),
+            kNoErrors);
+  cxx_sim_set_the_cadrova("X1", "l", "1.5");
+  cxx_sim_set_the_cadrova("X2", "m", "[0]");
+  Set("b", "z", "text");
+  Set("SIM_X1", "l", 3);
+  const Value values[] = {true, 7, 0.5F, "text", StringArray(), IntArray(), MapArray()};
+  for (const Value& value : values) Set("ab", ToString(KindOf(value)), value);
+  expect_list(R"(SIM_X1 6:2
+SIM_X2 0:0
+a 4:2
+ab 0:0
+b 1:2
+c 9:2
+SIM_X1 k 7:1 int
+SIM_X1 l 0:0 float
+SIM_X2 m 0:0 int-array
+a x.y 5:1 string-array int-array map-array
+ab bool 0:0 bool
+ab float 0:0 float
+ab int 0:0 int
+ab int-array 0:0 int-array
+ab map-array 0:0 map-array
+ab string 0:0 string
+ab string-array 0:0 string-array
+b z 0:0 string
+b é.c 3:5 bool
+)");
+  EXPECT_EQ(LoadText("[b]"), kNoErrors);
+  ClearSim();
+  expect_list("b 1:2\n");
+}
+
+// The tests of the command check that an item exists as its own kind.
+TEST_F(FakeCore, FindsAnItemOnlyAsItsKindAndInItsMap) {
   EXPECT_FALSE(get_int_item_exist("default", "int")) << "map names are bytes";
   EXPECT_FALSE(get_int_item_exist("DEFAULT", "float"));
   EXPECT_FALSE(get_float_item_exist("DEFAULT", "int"));
@@ -98,123 +167,142 @@ TEST(StandInCore, AnItemExistsAsNoOtherKindInNoOtherMap) {
   // clang-format on
   for (const auto& [key, exists] : sim_tests) {
     EXPECT_TRUE(exists("SIM_X1", key)) << key;
-    EXPECT_FALSE(exists("SIMX", key)) << key << ": that is no SIM map";
+    EXPECT_FALSE(exists("SIMX", key)) << key << " in a map that is no SIM map";
   }
 }
 
-TEST(StandInCore, MakesBlocksThatHoldTheirContents) {
+TEST_F(FakeCore, ReturnsBlocksThatAreLargeEnough) {
   for (std::size_t size = 0; size < 16; ++size) {
     const std::string text(size, 'x');
-    ASSERT_EQ(AnswerFromText("[M]\ns = '" + text + "'\nm = [['k', '" + text + "']]"), std::nullopt);
+    Set("M", "s", text);
+    Set("M", "m", MapArray{{"k", text}});
     char* const string = get_str_from_map("M", "s", "");
     char** const pairs = get_map_arr_from_map("M", "m");
+    EXPECT_EQ(string + std::string(pairs[1]), text + text);
     EXPECT_GE(malloc_usable_size(string), size + 1);
     EXPECT_GE(malloc_usable_size(pairs), 3 * sizeof(char*) + 2 + size + 1);
     std::free(string);
     std::free(pairs);
   }
-  StartOver();
 }
 
-TEST(StandInCore, FilesWhatIsHandedOverForTheSimAsATomlValueOrElseAsAString) {
-  using namespace android;
+TEST_F(FakeCore, ReadsASimItemAsATomlValueOrElseAsAString) {
   for (const char* text :
        {"", "plain", "1 # comment", "1\nx = 2", "1 ", "2026-11-24", "1,", "[1", "3000000000"}) {
     setSimCadrova("int", text);
     EXPECT_EQ(getStringFromRust("SIM_DEFAULT", "int", "-"), text);
   }
   cxx_sim_set_the_cadrova("X1", "string", "\"é # no comment\"");
-  cxx_sim_set_the_cadrova("X1", "float", "1e3");
   cxx_sim_set_the_cadrova("X1", "bool", "5");
   cxx_sim_set_the_cadrova("SIM_", "map-array", "[[\"a\", \"1\"]]");
   EXPECT_EQ(getStringFromRust("SIM_X1", "string", ""), "é # no comment");
-  EXPECT_EQ(getFloatFromRust("SIM_X1", "float", 0), 1000.0F);
   EXPECT_EQ(getMapFromRust("SIM_SIM_", "map-array"), (MapArray{{"a", "1"}}));
-  EXPECT_FALSE(getBooleanFromRust("SIM_X1", "bool", false)) << "an int stands in front of it";
-  // All else stays as it was.
-  EXPECT_EQ(getIntFromRust("DEFAULT", "int", 0), -2147483647 - 1);
+  EXPECT_FALSE(getBooleanFromRust("SIM_X1", "bool", false)) << "the int takes precedence";
   EXPECT_EQ(getMapFromRust("SIM_X1", "map-array").size(), 3U);
-  StartOver();
 }
 
-TEST(StandInCore, NamesThePlaceOfEachMistake) {
-  const std::pair<std::string, std::string> cases[] = {
-      {"[A]\nx = 1\nx = 2\n", "3:5: "},
-      {"[[:]]\n", "1:3: "},
-      {"x = 1\n", "1:1: x stands outside every map; put it below a [MAP] line"},
-      {"\"a\\n\\u007F\" = 1\n", "1:1: a?? stands outside every map"},
-      {"[[A]]\nx = 1\n", "1:3: A stands outside every map"},
-      {"[A]\nx = 2026-11-24\n", "2:5: a date or time is no kind of value"},
-      {"[A]\nb = 1\n[A.c]\nd = 1979-05-27T07:32:00Z\n", "4:5: a date"},
-      {"[A]\nx = [1, \"a\"]\n",
-       "2:5: an array must hold strings, integers or pairs of strings, and only one kind"},
-      {"[A]\nx = [1.5]\n", "2:5: an array must hold"},
-      {"[A]\nx = [[\"a\"]]\n", "2:6: an array of arrays must hold pairs of strings"},
-      {"[A]\nx = [[\"a\", \"b\", \"c\"]]\n", "2:6: an array of arrays must hold pairs of strings"},
-      {"[A]\nx = [[\"a\", 1]]\n", "2:6: an array of arrays must hold pairs of strings"},
-      {"[A]\nx = [[\"a\", \"\\u0000\"]]\n", "2:12: a string can't hold a NUL byte"},
-      {"[A]\nx = \"a\\u0000b\"\n", "2:5: a string can't hold a NUL byte, which would end it"},
-      {"[A]\nx = 2147483648\n", "2:5: 2147483648 does not fit in 32 bits"},
-      {"[A]\nx = [0, -2147483649]\n", "2:9: -2147483649 does not fit in 32 bits"},
-      {"[A]\nx = -1e39\n", "2:5: beyond the range of a float"},
-      {"[A]\n\"b.c\" = 1\nb.c = 2\n", "2:1: feature key b.c stands twice in its map"},
-      {"[A]\n" + Repeated("A_-9\t. ", 100'000) + "a = 1\n", "2:447: a key of more than 64 parts"},
-      {"[A]\nx = " + Repeated("[", 100'000), "2:37: "},
-      {"[A]\nx = {'é\\' = \"\"\"\\\"\"\"\"\"\", b.é = 1}",
-       "2:27: a letter beyond ASCII must stand"},
-      {"[A]\nx = [{a.b = 1, c = 'é'}, 1.=[\"é\"", "2:31: a letter beyond ASCII"},
-      {"[A]\nx = \"\"\"\\ \r\n\té",
-       "3:2: a letter beyond ASCII must stand in quotes, and not right"},
-  };
-  for (const auto& [toml, expected] : cases) {
-    const Mistake mistake = AnswerFromText(toml).value_or(Mistake());
-    EXPECT_TRUE(ToString(mistake).starts_with("<text>:" + expected)) << mistake;
+TEST_F(FakeCore, ReportsAllErrorsInFileOrder) {
+  const std::vector<Error> errors = LoadText(R"(x = 1
+"\n\u007F" = 1
+[B]
+"b.c".d = [9e9, 1e99]
+b."c.d" = 1979-05-27
+[A]
+x = 1979-05-27T07:32:00Z
+ints = [2147483648, -2147483649]
+[B.b.c]
+d = -1e39
+e = -1e39
+[A.y]
+pairs = [["a"], ["a", 1], ["a", "b", "c"], ["a", "\u0000"]]
+[[C]]
+)");
+  const std::string duplicate = "feature key b.c.d is already in this map";
+  const std::string pairs = "an array of arrays must contain pairs of strings";
+  const std::vector<Error> expected = {
+      {"<text>", {1, 1}, "x is outside every map; put it below a [MAP] line", {}},
+      {"<text>", {2, 1}, "?? is outside every map; put it below a [MAP] line", {}},
+      {"<text>",
+       {4, 11},
+       "an array must contain strings, integers or pairs of strings, and only one kind",
+       {}},
+      {"<text>", {5, 3}, duplicate, Place{4, 7}},
+      {"<text>", {7, 5}, "a date or time is not a supported value", {}},
+      {"<text>", {8, 9}, "2147483648 does not fit in 32 bits", {}},
+      {"<text>", {8, 21}, "-2147483649 does not fit in 32 bits", {}},
+      {"<text>", {10, 1}, duplicate, Place{4, 7}},
+      {"<text>", {11, 5}, "beyond the range of a 32-bit float", {}},
+      {"<text>", {13, 10}, pairs, {}},
+      {"<text>", {13, 17}, pairs, {}},
+      {"<text>", {13, 27}, pairs, {}},
+      {"<text>", {13, 50}, "a string must not contain a NUL byte, which would end it", {}},
+      {"<text>", {14, 3}, "C is outside every map; put it below a [MAP] line", {}}};
+  EXPECT_EQ(errors, expected);
+  for (const Error& error :
+       {Error{"", {5, 3}, duplicate, Place{4, 7}}, {"<text>", {5, 0}, duplicate, Place{4, 7}}}) {
+    EXPECT_FALSE(error == expected[3]);
   }
 }
 
-TEST(StandInCore, TakesWhatIsNearlyAMistake) {
-  using namespace android;
+TEST_F(FakeCore, ReportsTheFirstSyntaxErrorAlone) {
+  const std::pair<std::string, std::string> cases[] = {
+      {"[A]\nx = 1\nx = 2\nx = 2026-11-24\n", "3:5: "},
+      {"[[:]]\n", "1:3: "},
+      {"[A]\n" + Repeated("A_-9\t. ", 1000) + "a = 1\n", "2:447: a key of more than 64 parts\n"},
+      {"[A]\nx = " + std::string(100'000, '['), "2:37: "},
+      {"[A]\nx = {'é\\' = \"\"\"\\\"\"\"\"\"\", b.é = 1}",
+       "2:27: a character beyond ASCII must be in quotes, and not directly after a backslash that "
+       "ends a line\n"},
+      {"[A]\nx = [{a.b = 1, c = 'é'}, 1.=[\"é\"", "2:31: a character beyond ASCII "},
+      {"[A]\nx = \"\"\"\\ \r\n\té", "3:2: a character beyond ASCII "},
+  };
+  for (const auto& [toml, expected] : cases) {
+    const std::vector<Error> errors = LoadText(toml);
+    ASSERT_EQ(errors.size(), 1U) << toml.substr(0, 200);
+    EXPECT_TRUE((ToString(errors[0]) + '\n').starts_with("<text>:" + expected))
+        << errors[0] << "\nexpected " << expected << "\nof " << toml.substr(0, 200);
+  }
+}
+
+TEST_F(FakeCore, AcceptsWhatResemblesAnError) {
   const std::string key = Repeated("a.", 63) + 'a';
-  ASSERT_EQ(AnswerFromText("\xEF\xBB\xBF['M.é']\nx = inf # é" + Repeated(".", 64) + "\n" + key +
-                           " = 'é'\ns = \"\"\"\\\n \\u00e9'\\\"#\"\"\"\"\"\nt = '\\' #é"),
-            std::nullopt);
+  ASSERT_EQ(LoadText("\xEF\xBB\xBF['M.é']\nx = inf # é" + std::string(64, '.') + "\n" + key +
+                     " = 'é'\ns = \"\"\"\\\n \\u00e9'\\\"#\"\"\"\"\"\nt = '\\' #é\n"),
+            kNoErrors);
   EXPECT_EQ(getFloatFromRust("M.é", "x", 0), std::numeric_limits<float>::infinity());
   EXPECT_EQ(getStringFromRust("M.é", key, ""), "é");
   EXPECT_EQ(getStringFromRust("M.é", "s", ""), "é'\"#\"\"");
   EXPECT_EQ(getStringFromRust("M.é", "t", ""), "\\");
-  StartOver();
 }
 
-TEST(StandInStore, StartsFromTheLinesOfItsFile) {
+TEST_F(FakePropertyStore, StartsWithThePropertiesOfItsFile) {
   const std::pair<const char*, const char*> cases[] = {
       // clang-format off
       {"k=v", "v"}, {"k=v\r\n", "v"}, {"\xEF\xBB\xBFk=v\n", "v"}, {"k=", "-"}, {"l=v", "-"},
       {" \tk = v w\t\n", "v w"}, {"#\n\n \r\nk==v", "=v"}, {"k=v\nk=w\n", "w"},
-      {"[k]: [v]", "v"}, {"[k]: []\r\n", "-"}, {"[k]: [ ]: [] ]\n", " ]: [] "},
-      // clang-format on
-  };
+      {"[k]: [v]", "v"}, {"[k]: []\r\n", "-"}, {"[k]: [ ]: [] ]\n", " ]: [] "}};
+  // clang-format on
   for (const auto& [contents, value] : cases) {
     setenv("CADROVA_HOST_PROPS", TemporaryFile("props", contents).c_str(), 1);
-    ForgetProperties();
+    ClearProperties();
     EXPECT_EQ(GetProperty("k", "-"), value) << contents;
   }
   setenv("CADROVA_HOST_PROPS", "", 1);
-  ForgetProperties();
+  ClearProperties();
   EXPECT_EQ(GetProperty("k", "-"), "-");
 }
 
-// Whatever is asked while one thread changes the world, values and lines are whole.
-TEST(Threads, LookUpInEveryFamilyBesideHandOversAndPropertyChanges) {
-  using namespace android;
+// Values and lines are whole while another thread hands over SIM data and sets properties.
+TEST_F(FakeCore, SupportsLookupsInThreadsDuringChanges) {
   const std::string texts[] = {"short", std::string(100, 'l')};
   const auto is_whole = [&](const auto& text) { return text == texts[0] || text == texts[1]; };
   const auto change = [&](const std::string& text) {
-    base::SetProperty("ro.orvel.region", text);
+    SetDevice(text, "");
     setSimCadrova("string", text);
     setSimCadrova("map-array", "[[\"k\", \"" + text + "\"]]");
   };
-  std::atomic<int> wrong = 0, asking = 3;
-  const auto ask = [&] {
+  std::atomic<int> wrong = 0, running = 3;
+  const auto look_up = [&] {
     for (int call = 0; call < 500; ++call) {
       wrong += !is_whole(getSimCustStringFeature("string"));
       wrong += !is_whole(getSimCustMapArrayFeature("map-array").at(0).second);
@@ -222,26 +310,23 @@ TEST(Threads, LookUpInEveryFamilyBesideHandOversAndPropertyChanges) {
       wrong += getCotaCustFloatFeature("float", 0) != 0.35F;
       wrong += getCotaRegionCustStringArrayFeature("string-array").size() != 3;
       wrong += !getCustBooleanFeature("bool", false);
+      wrong += call % 50 == 0 && List().maps.size() != 5;
     }
-    --asking;
+    --running;
   };
-  char* printed = nullptr;
-  std::size_t size = 0;
-  FILE* const standard_output = std::exchange(stdout, open_memstream(&printed, &size));
+  testing::internal::CaptureStdout();
   change(texts[0]);
-  std::thread askers[] = {std::thread(ask), std::thread(ask), std::thread(ask)};
-  for (int call = 0; asking > 0; ++call) change(texts[call % 2]);
-  for (std::thread& asker : askers) asker.join();
-  std::fclose(std::exchange(stdout, standard_output));
-  std::istringstream lines(printed);
-  std::free(printed);
+  std::thread threads[] = {std::thread(look_up), std::thread(look_up), std::thread(look_up)};
+  for (int call = 0; running > 0; ++call) change(texts[call % 2]);
+  for (std::thread& thread : threads) thread.join();
+  std::istringstream lines(testing::internal::GetCapturedStdout());
   int count = 0;
   std::set<std::string> different;
   for (std::string line; std::getline(lines, line); ++count) different.insert(line);
   EXPECT_EQ(wrong, 0);
-  EXPECT_EQ(count, 3 * 500 * 5) << "lines are lost";
-  // One a lookup, but the string's two.
-  EXPECT_LE(different.size(), 5 + 1) << "lines are torn: " << testing::PrintToString(different);
+  EXPECT_EQ(count, 3 * 500 * 5) << "lines are missing";
+  // One per lookup, and one more for the second string.
+  EXPECT_LE(different.size(), 5U + 1) << "torn lines: " << testing::PrintToString(different);
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
 #pragma once
 
-// For how many seconds this device rings: as it is customized, but for 5 at least and 60 at most.
+// How many seconds this device rings: the customized value, but at least 5 and at most 60.
 int RingSeconds();

@@ -16,7 +16,7 @@
 namespace android::base {
 namespace {
 
-using cadrova::host::Mistake;
+using cadrova::host::Error;
 using cadrova::host::Printable;
 using cadrova::host::ReadFile;
 using cadrova::host::Stop;
@@ -27,9 +27,9 @@ std::string_view WithoutBlanksAround(std::string_view text) {
   return text.substr(0, text.find_last_not_of(" \t") + 1);
 }
 
-// The key and the value of `line`, or nothing where it is neither `key=value`, with or without
-// blanks around either, nor `[key]: [value]`, whose value is taken as it stands.
-std::optional<std::pair<std::string, std::string>> Property(std::string_view line) {
+// The key and the value of `line`, or nothing if it is no property. A line is `key=value`, with or
+// without blanks around both, or `[key]: [value]`, whose value keeps its blanks.
+std::optional<std::pair<std::string, std::string>> ParseLine(std::string_view line) {
   std::string_view key, value;
   if (line.starts_with('[')) {
     const std::size_t middle = line.find("]: [");
@@ -51,9 +51,9 @@ Properties Load(const char* file) {
   Properties properties;
   if (file == nullptr || *file == '\0') return properties;
   auto contents = ReadFile(file);
-  if (auto* mistake = std::get_if<Mistake>(&contents)) {
-    mistake->reason += "; name another with CADROVA_HOST_PROPS";
-    Stop(*mistake);
+  if (auto* error = std::get_if<Error>(&contents)) {
+    error->reason += "; name another file with CADROVA_HOST_PROPS";
+    Stop(*error);
   }
   std::string_view rest = std::get<std::string>(contents);
   constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
@@ -64,33 +64,33 @@ Properties Load(const char* file) {
     if (line.ends_with('\r')) line.remove_suffix(1);
     line = WithoutBlanksAround(line);
     if (line.empty() || line.starts_with('#')) continue;
-    auto property = Property(line);
+    auto property = ParseLine(line);
     if (!property) {
       const std::string quoted = Printable(line.substr(0, 100));
-      Stop({file, number, 0, "not a key=value line: " + quoted});
+      Stop(Error{file, {number, 0}, "not a key=value line: " + quoted, {}});
     }
     properties.insert_or_assign(std::move(property->first), std::move(property->second));
   }
   return properties;
 }
 
-// Filled when it is first asked, and never destroyed: threads may still ask while the process
-// exits.
-class Store {
+// All properties, loaded at the first call. Never destroyed: threads may still make lookups while
+// the process exits.
+class PropertyStore {
  public:
-  static Store& The() {
-    static Store& store = *new Store;
+  static PropertyStore& Instance() {
+    static PropertyStore& store = *new PropertyStore;
     return store;
   }
 
-  // What `use` makes of the properties, which are its own while it runs.
-  auto With(auto use) {
+  // Calls `visitor` with the properties, which no other thread uses meanwhile. Returns its result.
+  auto Visit(auto visitor) {
     const std::lock_guard lock(mutex_);
     if (!properties_) properties_ = Load(std::getenv("CADROVA_HOST_PROPS"));
-    return use(*properties_);
+    return visitor(*properties_);
   }
 
-  void Forget() {
+  void Clear() {
     const std::lock_guard lock(mutex_);
     properties_.reset();
   }
@@ -102,18 +102,18 @@ class Store {
 
 }  // namespace
 
-// Everything but the interface stays inside.
+// Everything else in this library is hidden.
 #pragma GCC visibility push(default)
 
 std::string GetProperty(const std::string& key, const std::string& default_value) {
-  return Store::The().With([&](const Properties& properties) {
+  return PropertyStore::Instance().Visit([&](const Properties& properties) {
     const auto found = properties.find(key);
     return found == properties.end() || found->second.empty() ? default_value : found->second;
   });
 }
 
 bool SetProperty(const std::string& key, const std::string& value) {
-  return Store::The().With([&](Properties& properties) {
+  return PropertyStore::Instance().Visit([&](Properties& properties) {
     properties.insert_or_assign(key, value);
     return true;
   });
@@ -121,6 +121,11 @@ bool SetProperty(const std::string& key, const std::string& value) {
 
 }  // namespace android::base
 
-void cadrova::host::ForgetProperties() { android::base::Store::The().Forget(); }
+void cadrova::host::SetDevice(const std::string& region, const std::string& carrier) {
+  android::base::SetProperty("ro.orvel.region", region);
+  android::base::SetProperty("persist.sys.cota.carrier", carrier);
+}
+
+void cadrova::host::ClearProperties() { android::base::PropertyStore::Instance().Clear(); }
 
 #pragma GCC visibility pop

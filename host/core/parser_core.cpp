@@ -1,4 +1,4 @@
-// The parser core's interface over customization data.
+// The interface of the parser core, implemented by the fake core.
 
 #include "parser_core.h"
 
@@ -6,30 +6,31 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "customization.h"
-#include "data.h"
+#include "core_state.h"
 #include "existence_tests.h"
 #include "file.h"
+#include "toml_reader.h"
 
 namespace cadrova::host {
 namespace {
 
-template <class Value>
-Value Get(const std::string& map, const std::string& key, Value default_value) {
-  return Data::The().With<Value>(
-      map, key, [&](const Value* value) { return value != nullptr ? *value : default_value; });
+template <class Type>
+Type Get(const std::string& map, const std::string& key, Type default_value) {
+  return CoreState::Instance().Visit<Type>(
+      map, key, [&](const Type* value) { return value != nullptr ? *value : default_value; });
 }
 
-template <class Value>
+template <class Type>
 bool Exists(const std::string& map, const std::string& key) {
-  return Data::The().With<Value>(map, key, [](const Value* value) { return value != nullptr; });
+  return CoreState::Instance().Visit<Type>(map, key,
+                                           [](const Type* value) { return value != nullptr; });
 }
 
 // A block of `count` elements for the caller to `free`.
 template <class Element>
 Element* Block(std::size_t count) {
   void* block = std::malloc(count * sizeof(Element));
-  if (block == nullptr) Stop({"libcadrova_ffi.so", 0, 0, "out of memory"});
+  if (block == nullptr) Stop(Error{"libcadrova_ffi.so", {}, "out of memory", {}});
   return static_cast<Element*>(block);
 }
 
@@ -37,7 +38,7 @@ char* StringBlock(const std::string& value) {
   return std::strcpy(Block<char>(value.size() + 1), value.c_str());
 }
 
-// Each string an allocation of its own, as the caller frees them one by one.
+// Each string is an allocation of its own, as the caller frees them one by one.
 char** StringArrayBlock(const StringArray* list) {
   if (list == nullptr) return nullptr;
   char** const block = Block<char*>(list->size() + 1);
@@ -55,8 +56,8 @@ std::int32_t* IntArrayBlock(const IntArray* list) {
   return block;
 }
 
-// The strings stand behind the pointers, in the one allocation that the caller frees, so that they
-// outlive any change of the data.
+// The strings follow the pointers in the one allocation that the caller frees. So they stay valid
+// when the data changes.
 char** PairArrayBlock(const MapArray* list) {
   if (list == nullptr) return nullptr;
   const std::size_t slots = 2 * list->size() + 1;
@@ -83,7 +84,7 @@ char** PairArrayBlock(const MapArray* list) {
 
 using namespace cadrova::host;
 
-// Everything but the interface stays inside.
+// Everything else in this library is hidden.
 #pragma GCC visibility push(default)
 
 cadrova_core_bool get_bool_from_map(const std::string& map, const std::string& key,
@@ -102,38 +103,38 @@ float get_float_from_map(const std::string& map, const std::string& key, float d
 
 char* get_str_from_map(const std::string& map, const std::string& key,
                        const std::string& default_value) {
-  return Data::The().With<std::string>(map, key, [&](const std::string* value) {
+  return CoreState::Instance().Visit<std::string>(map, key, [&](const std::string* value) {
     return StringBlock(value != nullptr ? *value : default_value);
   });
 }
 
 char** get_str_arr_from_map(const std::string& map, const std::string& key) {
-  return Data::The().With<StringArray>(map, key, StringArrayBlock);
+  return CoreState::Instance().Visit<StringArray>(map, key, StringArrayBlock);
 }
 
 std::int32_t* get_int_arr_from_map(const std::string& map, const std::string& key) {
-  return Data::The().With<IntArray>(map, key, IntArrayBlock);
+  return CoreState::Instance().Visit<IntArray>(map, key, IntArrayBlock);
 }
 
 char** get_map_arr_from_map(const std::string& map, const std::string& key) {
-  return Data::The().With<MapArray>(map, key, PairArrayBlock);
+  return CoreState::Instance().Visit<MapArray>(map, key, PairArrayBlock);
 }
 
-#define EXISTENCE_TEST(name, Value)                                        \
+#define EXISTENCE_TEST(name, Type)                                         \
   cadrova_core_bool name(const std::string& map, const std::string& key) { \
-    return Exists<Value>(map, key);                                        \
+    return Exists<Type>(map, key);                                         \
   }
-// SIM questions look at SIM maps only.
-#define SIM_EXISTENCE_TEST(name, Value)                                    \
+// The SIM tests find items only in SIM maps.
+#define SIM_EXISTENCE_TEST(name, Type)                                     \
   cadrova_core_bool name(const std::string& map, const std::string& key) { \
-    return Data::IsSim(map) && Exists<Value>(map, key);                    \
+    return CoreState::IsSim(map) && Exists<Type>(map, key);                \
   }
 CADROVA_EXISTENCE_TESTS(EXISTENCE_TEST, SIM_EXISTENCE_TEST)
 
 void cxx_sim_set_the_cadrova(const std::string& name, const std::string& first,
                              const std::string& second) {
   const std::string map = name == "SIM_DEFAULT" ? name : "SIM_" + name;
-  Data::The().HandOver(map, first, ItemFromText(second));
+  CoreState::Instance().SetSimItem(map, first, SimValueFromText(second));
 }
 
 #pragma GCC visibility pop

@@ -4,17 +4,18 @@
 #include <string>
 #include <utility>
 
+#include "utf8.h"
+
 namespace cadrova::host {
 namespace {
 
-constexpr int kMostParts = 64;
+constexpr int kMaximumParts = 64;
 
-Mistake At(std::string_view toml, std::size_t offset, std::string reason) {
+Place PlaceOf(std::size_t offset, std::string_view toml) {
   const std::string_view before = toml.substr(0, offset);
   const std::string_view in_line = before.substr(before.rfind('\n') + 1);
-  const auto begins_letter = [](char byte) { return (byte & 0xC0) != 0x80; };
-  return {"", static_cast<int>(1 + std::ranges::count(before, '\n')),
-          static_cast<int>(1 + std::ranges::count_if(in_line, begins_letter)), std::move(reason)};
+  return {static_cast<int>(1 + std::ranges::count(before, '\n')),
+          static_cast<int>(1 + CharacterCount(in_line))};
 }
 
 bool IsBeyondAscii(char byte) { return (byte & 0x80) != 0; }
@@ -25,7 +26,8 @@ bool IsPartOfKey(char byte) {
          byte == '-' || byte == ' ' || byte == '\t';
 }
 
-// Behind the string whose quotes open at `at`; or where it breaks off, or toml++ must not go on.
+// The end of the string whose opening quotes are at `at`. If it is never closed, or toml++ must not
+// read on in it, the offset of that place.
 std::size_t EndOfString(std::string_view toml, std::size_t at) {
   const char quote = toml[at];
   const bool has_lines = toml.substr(at).starts_with(std::string(3, quote));
@@ -40,27 +42,30 @@ std::size_t EndOfString(std::string_view toml, std::size_t at) {
     if (at == escaped) ++at;
   }
   at += quotes.size();
-  // The last three quotes close it; up to two before them are its own.
-  for (int own = 0; has_lines && own < 2 && toml.substr(at).starts_with(quote); ++own) ++at;
+  // If there are up to two more quotes, the last three close it.
+  for (int more = 0; has_lines && more < 2 && toml.substr(at).starts_with(quote); ++more) ++at;
   return at;
 }
 
 }  // namespace
 
-std::optional<Mistake> WhatTomlCannotTake(std::string_view toml) {
-  std::string open;       // the brackets of values
-  bool in_value = false;  // rather than in a key or a table's header
-  bool in_word = false;   // in a value without quotes, of which these would be letters
-  int dots = 0;           // of a key
+std::optional<Error> FindUnsafeToml(std::string_view toml, const std::string& file) {
+  std::string open;       // the open brackets of values
+  bool in_value = false;  // not in a key or in the header of a table
+  bool in_word = false;   // in a value without quotes, which quotes do not end
+  int dots = 0;           // in the current key
+  const auto error_at = [&](std::size_t offset, std::string reason) {
+    return Error{file, PlaceOf(offset, toml), std::move(reason), {}};
+  };
   for (std::size_t at = toml.starts_with("\xEF\xBB\xBF") ? 3 : 0; at < toml.size();) {
     const char byte = toml[at];
     if (IsBeyondAscii(byte)) {
-      return At(toml, at,
-                "a letter beyond ASCII must stand in quotes, and not right behind a backslash that "
-                "ends a line");
+      return error_at(at,
+                      "a character beyond ASCII must be in quotes, and not directly after a "
+                      "backslash that ends a line");
     }
-    if (byte == '.' && !in_value && ++dots == kMostParts) {
-      return At(toml, at, "a key of more than " + std::to_string(kMostParts) + " parts");
+    if (byte == '.' && !in_value && ++dots == kMaximumParts) {
+      return error_at(at, "a key of more than " + std::to_string(kMaximumParts) + " parts");
     }
     if (byte == '#') {
       at = std::min(toml.find('\n', at), toml.size());

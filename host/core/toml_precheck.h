@@ -1,7 +1,8 @@
-// What must not reach toml++, which takes for granted that it never comes.
+// Rejects documents that toml++ can't survive.
 #pragma once
 
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "cadrova/host.h"
@@ -9,10 +10,12 @@
 namespace cadrova::host {
 
 // The first place in the document `toml` that toml++ might not survive:
-// - a key of very many parts, whose tables lie within each other and are torn down by recursion;
-// - a letter beyond ASCII where it looks for blanks, which it declares unreachable: outside quotes,
-//   where TOML has none, and behind a backslash that ends a line inside quotes.
-// All else that is no TOML, toml++ reports itself.
-std::optional<Mistake> WhatTomlCannotTake(std::string_view toml);
+// - A key of very many parts: its tables are nested, and toml++ destroys them by recursion.
+// - A character beyond ASCII where toml++ skips blanks, as it declares that case unreachable. That
+// is
+//   outside quotes, where TOML allows no such character, and after a backslash that ends a line in
+//   quotes.
+// toml++ itself reports all other syntax errors. The error calls the document `file`.
+std::optional<Error> FindUnsafeToml(std::string_view toml, const std::string& file);
 
 }  // namespace cadrova::host

@@ -1,98 +1,120 @@
-/// Any device, for a test: what the stand-ins for the parser core and the property store answer
-/// from now on, in one process and as often as one likes.
+/// The test kit: makes the fake parser core and the fake property store behave like any device. A
+/// test may switch to another device at any time.
 ///
-///   ASSERT_EQ(cadrova::host::AnswerFromText("[COTA_X1]\nring.seconds = 25\n"), std::nullopt);
-///   android::base::SetProperty("persist.sys.cota.carrier", "X1");
+///   cadrova::host::Reset();
+///   ASSERT_TRUE(cadrova::host::LoadText("[COTA_X1]\nring.seconds = 25\n").empty());
+///   cadrova::host::SetDevice("EU", "X1");
 ///   EXPECT_EQ(android::getCotaCustIntFeature("ring.seconds", 3), 25);
 ///
-/// Region and carrier are system properties, set with `android::base::SetProperty`; SIM data is
-/// handed over with `android::setSimCadrova`. Until one of these functions says otherwise, the core
-/// answers from the customization file that the environment variable CADROVA_HOST_DATA names, or
-/// else from the installed sample, read when it is first asked. If that file can't be read or holds
-/// a mistake, asking ends the process with status 2 and the mistake on standard error. A mistake in
-/// what is given here never does: it comes back, and the core answers as before.
+/// `android::setSimCadrova` hands over SIM data, `android::base::SetProperty` sets a system
+/// property.
 ///
-/// Thread safety: call `AnswerFromFile`, `AnswerFromText` and `StartOver` between lookups, while no
-/// other thread asks the library or calls one of them. The others, `setSimCadrova` and
-/// `SetProperty` may run beside lookups and one another.
+/// If a program loads no data, the core loads the default file at the first call that needs data:
+/// the file that the environment variable CADROVA_HOST_DATA names, or else the installed sample. If
+/// the default file can't be read or has an error, the process ends with status 2, and standard
+/// error says why. `LoadFile` and `LoadText` return errors instead, and leave the data as it was.
+///
+/// Thread safety: call `LoadFile`, `LoadText`, `Set` and `Reset` only while no other thread makes a
+/// lookup or calls one of them. All other functions may run at the same time as lookups and as one
+/// another.
 #pragma once
 
 #include <optional>
 #include <ostream>
 #include <string>
-#include <utility>
 #include <vector>
+
+#include "cadrova/value.h"
 
 namespace cadrova::host {
 
-/// What is wrong with a file or a text, and where.
-struct Mistake {
-  std::string file;    ///< As it was named; "<text>" for a text.
-  int line = 0;        ///< From 1; 0 where the file can't be read to its end.
-  int column = 0;      ///< From 1, in characters; 0 where the whole line or file is meant.
-  std::string reason;  ///< One line, without the place.
+/// A place in the customization file: line and column, both from 1, the column in characters.
+/// 0 means that there is none.
+struct Place {
+  int line = 0;
+  int column = 0;
 };
 
-/// "file:line:column: reason", as compilers say it, without a line or column that is 0.
-inline std::string ToString(const Mistake& mistake) {
-  std::string place = mistake.file + ':';
-  for (const int number : {mistake.line, mistake.column}) {
-    if (number != 0) place += std::to_string(number) + ':';
+inline bool operator==(const Place& one, const Place& other) {
+  return one.line == other.line && one.column == other.column;
+}
+
+/// What is wrong with a file or a text, and where.
+struct Error {
+  std::string file;              ///< As the caller named it; "<text>" for a text.
+  Place place;                   ///< Line 0 if the file can't be read; column 0 for a whole line.
+  std::string reason;            ///< One line, without the place.
+  std::optional<Place> related;  ///< For a duplicate: where the first one is.
+};
+
+inline bool operator==(const Error& one, const Error& other) {
+  return one.file == other.file && one.place == other.place && one.reason == other.reason &&
+         one.related == other.related;
+}
+
+/// "file:line:column: reason", as compilers print it, without a line or column that is 0.
+inline std::string ToString(const Error& error) {
+  std::string text = error.file + ':';
+  for (const int number : {error.place.line, error.place.column}) {
+    if (number != 0) text += std::to_string(number) + ':';
   }
-  return place + ' ' + mistake.reason;
+  return text + ' ' + error.reason;
 }
 
-inline std::ostream& operator<<(std::ostream& stream, const Mistake& mistake) {
-  return stream << ToString(mistake);
+inline std::ostream& operator<<(std::ostream& stream, const Error& error) {
+  return stream << ToString(error);
 }
 
-/// Answers from the customization file at `path`, a TOML file whose tables are maps. What was
-/// handed over for the SIM stays in front of it. Returns the first mistake, or nothing where all is
-/// well.
-[[nodiscard]] std::optional<Mistake> AnswerFromFile(const std::string& path);
+/// Replaces the data by the customization file at `path`, a TOML file whose tables are maps. SIM
+/// data that was handed over stays and takes precedence. Returns the errors in the file, in file
+/// order; if there are any, the data stays as it was. A TOML syntax error is returned alone, as
+/// nothing after it can be read.
+[[nodiscard]] std::vector<Error> LoadFile(const std::string& path);
 
 /// The same with `toml` as the contents of the file.
-[[nodiscard]] std::optional<Mistake> AnswerFromText(const std::string& toml);
+[[nodiscard]] std::vector<Error> LoadText(const std::string& toml);
 
-/// The kinds of value.
-enum class Kind { kBool, kInt, kFloat, kString, kStringArray, kIntArray, kMapArray };
+/// Sets one item of the data. It takes the place of the item that the file contains under that key,
+/// of whatever kind, until the next load. If no file is loaded yet, the default file is loaded
+/// first.
+void Set(const std::string& map, const std::string& key, Value value);
 
-/// All that the core holds.
-struct Inventory {
-  /// Where something stands in the file, from 1, in lines and characters; 0 where it doesn't, as
-  /// what was handed over for the SIM.
-  struct Place {
-    int line = 0;
-    int column = 0;
-  };
+/// Everything that the core contains.
+struct Contents {
   struct Map {
     std::string name;
-    Place place;  ///< Of its first mention.
+    Place place;  ///< Of its first mention in the file.
   };
   struct Item {
     std::string map;
     std::string key;
-    std::vector<Kind> kinds;  ///< As which it exists: one; an empty array is of every list kind.
+    std::vector<Kind> kinds;  ///< One; an empty TOML array is of all three list kinds.
     Place place;              ///< Of the last part of its key.
   };
 
   std::string file;         ///< The customization file, as it was named; "<text>" for a text.
-  std::vector<Map> maps;    ///< Sorted by name; those that hold nothing among them.
-  std::vector<Item> items;  ///< Sorted by map and key.
+  std::vector<Map> maps;    ///< Sorted by name, empty ones included.
+  std::vector<Item> items;  ///< Sorted by map and key. Only items of the file have a place.
 };
 
-/// Lists what the core holds now, in the file and handed over for the SIM.
-Inventory TakeInventory();
+/// Lists what lookups find now: the items of the file, of `Set` and of SIM data that was handed
+/// over.
+Contents List();
 
-/// Forgets all that was handed over for the SIM.
-void ForgetSim();
+/// Discards all SIM data that was handed over. A lookup that runs at the same time may find an item
+/// and then read the default, as it calls the core once to test and again to read.
+void ClearSim();
 
-/// Forgets all properties that were set; the store reads the file that CADROVA_HOST_PROPS names
-/// again, if it is set, when it is next asked.
-void ForgetProperties();
+/// Sets the system properties that contain the region code and the carrier code. An empty code is
+/// an unset one.
+void SetDevice(const std::string& region, const std::string& carrier);
 
-/// Back to how the process began: nothing handed over, no property set, and the customization file
-/// read when the core is next asked.
-void StartOver();
+/// Discards all system properties that were set. At the next call the property store reads its file
+/// again, if CADROVA_HOST_PROPS names one.
+void ClearProperties();
+
+/// Goes back to the state in which the process began: no SIM data, no property set, no data loaded.
+/// The default file is loaded again at the next call that needs data.
+void Reset();
 
 }  // namespace cadrova::host

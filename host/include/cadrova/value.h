@@ -30,8 +30,7 @@ static_assert(std::is_same_v<TypeOf<Kind::kBool>, bool> &&
               std::is_same_v<TypeOf<Kind::kString>, std::string> &&
               std::is_same_v<TypeOf<Kind::kStringArray>, StringArray> &&
               std::is_same_v<TypeOf<Kind::kIntArray>, IntArray> &&
-              std::is_same_v<TypeOf<Kind::kMapArray>, MapArray> &&
-              std::variant_size_v<Value> == 7);
+              std::is_same_v<TypeOf<Kind::kMapArray>, MapArray> && std::variant_size_v<Value> == 7);
 
 inline Kind KindOf(const Value& value) { return static_cast<Kind>(value.index()); }
 

@@ -1,18 +1,18 @@
-/// System properties, as the platform's base library offers them; this one keeps them in the
-/// process. They start out as the lines of the file that the environment variable
-/// CADROVA_HOST_PROPS names, if it is set: `key=value`, or `[key]: [value]` as getprop prints them.
-/// Both functions may be called from any thread.
+/// System properties, with the interface of the platform's base library. This store is fake: it
+/// keeps the properties in the process. If the environment variable CADROVA_HOST_PROPS names a
+/// file, its lines are the initial properties: `key=value`, or `[key]: [value]` as getprop prints
+/// them. Both functions may be called from any thread.
 #pragma once
 
 #include <string>
 
 namespace android::base {
 
-/// The value of the system property `key`, or `default_value` if it is unset or empty.
+/// Returns the value of the system property `key`, or `default_value` if it is unset or empty.
 std::string GetProperty(const std::string& key, const std::string& default_value);
 
-/// Sets the system property `key` to `value`; an empty value makes it read as unset.
-/// Returns whether it was set, which here it always is.
+/// Sets the system property `key` to `value`. A property with an empty value reads as unset.
+/// Returns whether it was set; this store always returns true.
 bool SetProperty(const std::string& key, const std::string& value);
 
 }  // namespace android::base

@@ -1,0 +1,65 @@
+#include "core_state.h"
+
+#include <dlfcn.h>
+
+#include <cstdlib>
+#include <filesystem>
+
+#include "file.h"
+#include "toml_reader.h"
+
+namespace cadrova::host {
+namespace {
+
+// The path of the sample, which is relative to this library in the build tree and when installed.
+std::string SamplePath() {
+  Dl_info library;
+  dladdr(reinterpret_cast<const void*>(&SamplePath), &library);
+  const auto path = std::filesystem::absolute(library.dli_fname).parent_path() / CADROVA_SAMPLE;
+  return path.lexically_normal().string();
+}
+
+std::string DefaultPath() {
+  const char* path = std::getenv("CADROVA_HOST_DATA");
+  return path != nullptr && *path != '\0' ? path : SamplePath();
+}
+
+}  // namespace
+
+std::vector<Error> CoreState::LoadFile(const std::string& path) {
+  auto file = std::make_unique<File>(path);
+  std::vector<Error> errors = ReadTomlFile(path, file->store);
+  if (errors.empty()) Use(std::move(file));
+  return errors;
+}
+
+std::vector<Error> CoreState::LoadText(const std::string& toml) {
+  auto file = std::make_unique<File>("<text>");
+  std::vector<Error> errors = ReadToml(toml, file->name, file->store);
+  if (errors.empty()) Use(std::move(file));
+  return errors;
+}
+
+void CoreState::SetItem(const std::string& map, const std::string& key, StoredValue value) {
+  GetFile();
+  owned_->store.Set(map, key, std::move(value));
+}
+
+const CoreState::File& CoreState::LoadDefault() {
+  const std::unique_lock lock(mutex_);
+  if (owned_ == nullptr) {
+    std::vector<Error> errors = LoadFile(DefaultPath());
+    for (Error& error : errors) {
+      if (error.place.line == 0) error.reason += "; name another file with CADROVA_HOST_DATA";
+    }
+    if (!errors.empty()) Stop(errors);
+  }
+  return *owned_;
+}
+
+void CoreState::Use(std::unique_ptr<File> file) {
+  file_.store(file.get(), std::memory_order_release);
+  owned_ = std::move(file);
+}
+
+}  // namespace cadrova::host

@@ -1,0 +1,82 @@
+// The data that the fake core reads.
+#pragma once
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <shared_mutex>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "store.h"
+
+namespace cadrova::host {
+
+// The data of a customization file, and SIM data that was handed over, which takes precedence. The
+// data of the file changes only while no lookup runs, so lookups read it without a lock.
+class CoreState {
+ public:
+  struct File {
+    std::string name;
+    Store store;
+  };
+
+  // Never destroyed: threads may still make lookups while the process exits.
+  static CoreState& Instance() {
+    static CoreState& state = *new CoreState;
+    return state;
+  }
+
+  static bool IsSim(std::string_view map) { return map.starts_with("SIM_"); }
+
+  // Calls `visitor` with a pointer to the value under `key` in `map`, or with NULL if there is none
+  // of type `Type`. Returns its result. The pointer is valid only during the call.
+  template <class Type>
+  auto Visit(const std::string& map, const std::string& key, auto visitor) {
+    if (IsSim(map)) {
+      const std::shared_lock lock(mutex_);
+      if (const Store::Item* item = sim_.Find(map, key)) return visitor(As<Type>(item->value));
+    }
+    const Store::Item* item = GetFile().store.Find(map, key);
+    return visitor(item == nullptr ? nullptr : As<Type>(item->value));
+  }
+
+  // The loaded file, or else the default file, which it loads.
+  const File& GetFile() {
+    const File* file = file_.load(std::memory_order_acquire);
+    return file != nullptr ? *file : LoadDefault();
+  }
+
+  // Both return the errors of the document; if there are any, the data stays as it was.
+  std::vector<Error> LoadFile(const std::string& path);
+  std::vector<Error> LoadText(const std::string& toml);
+  void SetItem(const std::string& map, const std::string& key, StoredValue value);
+  void Unload() { Use(nullptr); }
+
+  void SetSimItem(const std::string& map, const std::string& key, StoredValue value) {
+    const std::unique_lock lock(mutex_);
+    sim_.Set(map, key, std::move(value));
+  }
+  void ClearSim() {
+    const std::unique_lock lock(mutex_);
+    sim_ = Store();
+  }
+  void AppendSimTo(Contents& contents) {
+    const std::shared_lock lock(mutex_);
+    sim_.AppendTo(contents);
+  }
+
+ private:
+  CoreState() = default;
+  const File& LoadDefault();
+  void Use(std::unique_ptr<File> file);
+
+  std::shared_mutex mutex_;  // Guards `sim_`, and `LoadDefault` against itself.
+  Store sim_;
+  std::unique_ptr<File> owned_;
+  std::atomic<const File*> file_ = nullptr;  // What `owned_` points to, for lookups.
+};
+
+}  // namespace cadrova::host

@@ -1,0 +1,68 @@
+// The functions of the test kit, except those of the fake property store.
+
+#include <algorithm>
+#include <tuple>
+#include <utility>
+#include <variant>
+
+#include "cadrova/host.h"
+#include "core_state.h"
+
+namespace cadrova::host {
+namespace {
+
+// Sorts `list` by `id`, and keeps the first of several elements with the same one.
+void SortUnique(auto& list, auto id) {
+  std::ranges::stable_sort(list, {}, id);
+  const auto rest = std::ranges::unique(list, {}, id);
+  list.erase(rest.begin(), rest.end());
+}
+
+}  // namespace
+
+// Weak, as a real libbase does not define it.
+[[gnu::weak]] void ClearProperties();
+
+// Everything else in this library is hidden.
+#pragma GCC visibility push(default)
+
+std::vector<Error> LoadFile(const std::string& path) {
+  return CoreState::Instance().LoadFile(path);
+}
+
+std::vector<Error> LoadText(const std::string& toml) {
+  return CoreState::Instance().LoadText(toml);
+}
+
+void Set(const std::string& map, const std::string& key, Value value) {
+  std::visit([&](auto& content) { CoreState::Instance().SetItem(map, key, std::move(content)); },
+             value);
+}
+
+Contents List() {
+  CoreState& state = CoreState::Instance();
+  const CoreState::File& file = state.GetFile();
+  Contents contents;
+  contents.file = file.name;
+  // SIM items that were handed over come first, so that they are listed and not those of the file.
+  state.AppendSimTo(contents);
+  file.store.AppendTo(contents);
+  for (const Contents::Item& item : contents.items) {
+    if (item.place == Place{}) contents.maps.push_back({item.map, {}});
+  }
+  SortUnique(contents.maps, &Contents::Map::name);
+  SortUnique(contents.items, [](const auto& item) { return std::tie(item.map, item.key); });
+  return contents;
+}
+
+void ClearSim() { CoreState::Instance().ClearSim(); }
+
+void Reset() {
+  CoreState::Instance().Unload();
+  ClearSim();
+  if (ClearProperties != nullptr) ClearProperties();
+}
+
+#pragma GCC visibility pop
+
+}  // namespace cadrova::host

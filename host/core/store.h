@@ -1,0 +1,94 @@
+// Items by map and key.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <unordered_map>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include "cadrova/host.h"
+#include "cadrova/value.h"
+
+namespace cadrova::host {
+
+// An empty TOML array. It has no element that tells its kind, so it is of every list kind.
+struct EmptyList {};
+
+template <class>
+struct WithEmptyList;
+template <class... Types>
+struct WithEmptyList<std::variant<Types...>> {
+  using Type = std::variant<Types..., EmptyList>;
+};
+
+// A value as the store keeps it; its alternatives are those of `Value`, in the same order, and
+// EmptyList.
+using StoredValue = WithEmptyList<Value>::Type;
+
+// The content of `value` if its kind is that of `Type`, or else NULL.
+template <class Type>
+const Type* As(const StoredValue& value) {
+  if constexpr (std::is_same_v<Type, StringArray> || std::is_same_v<Type, IntArray> ||
+                std::is_same_v<Type, MapArray>) {
+    // Never destroyed: threads may still make lookups while the process exits.
+    static const Type* const empty = new Type;
+    if (std::holds_alternative<EmptyList>(value)) return empty;
+  }
+  return std::get_if<Type>(&value);
+}
+
+class Store {
+ public:
+  struct Item {
+    StoredValue value;
+    Place place;  // In the file; none for an item that was set.
+  };
+
+  // The item under `key` in `map`, or NULL. The pointer stays valid when other items are set.
+  const Item* Find(std::string_view map, std::string_view key) const {
+    const auto found = items_.find(Id<std::string_view>{map, key});
+    return found == items_.end() ? nullptr : &found->second;
+  }
+
+  void Set(const std::string& map, const std::string& key, StoredValue value, Place place = {}) {
+    items_.insert_or_assign({map, key}, Item{std::move(value), place});
+  }
+
+  // Lists `map` even if it contains no item.
+  void AddMap(const std::string& map, Place place) { maps_.push_back({map, place}); }
+
+  // Appends to `contents` the maps that were added and all items, in no particular order.
+  void AppendTo(Contents& contents) const;
+
+ private:
+  template <class String>
+  struct Id {
+    String map, key;
+  };
+  // Transparent, so that `Find` needs no copies of the names.
+  struct Hash {
+    using is_transparent = void;
+    std::size_t operator()(const auto& id) const {
+      const std::hash<std::string_view> hash;
+      return 31 * hash(id.map) + hash(id.key);
+    }
+  };
+  struct Equal {
+    using is_transparent = void;
+    bool operator()(const auto& one, const auto& other) const {
+      return one.key == other.key && one.map == other.map;
+    }
+  };
+
+  std::vector<Contents::Map> maps_;
+  // The number of buckets is a power of two. It stays one when the table grows, and libc++ then
+  // finds a bucket without a division.
+  std::unordered_map<Id<std::string>, Item, Hash, Equal> items_{1024};
+};
+
+}  // namespace cadrova::host
