@@ -1,36 +1,63 @@
-# Short names for the common jobs; CMakePresets.json says how things are built.
-# `make test PRESET=gcc` and the like take another preset.
+# Short names for common jobs. CMakePresets.json defines the builds.
 PRESET ?= default
 
 MAKEFLAGS += --no-print-directory
 
-# What a preset needs beyond a plain build.
+# Packages that a preset needs in addition to those of a plain build.
 SETUP_asan = check
 SETUP_tsan = check
 SETUP_fuzz = check
 SETUP_arm64 = arm64
 SETUP_bench = bench
 
-.PHONY: run test package build setup check bench clean
+# Before anything is built for it.
+ifeq ($(filter install,$(MAKECMDGOALS))$(PREFIX),install)
+$(error PREFIX is missing; use make install PREFIX=/where)
+endif
 
-run: build
+.PHONY: help run test check bench format package install build program setup clean
+
+help:
+	@echo 'make run                     build the command and show what it does'
+	@echo 'make test                    build everything and run all tests'
+	@echo 'make check                   run all other checks: style, sanitizers, arm64, packaging, fuzzers'
+	@echo 'make bench                   measure what a lookup costs'
+	@echo 'make format                  format all C++ sources'
+	@echo 'make package                 write build/default/cadrova-VERSION-SYSTEM.tar.gz'
+	@echo 'make install PREFIX=/where   install the library, the fakes and the command'
+	@echo 'make clean                   remove all builds'
+	@echo
+	@echo 'PRESET=gcc (or asan, tsan, arm64) selects another build for run, test, package and install.'
+
+run: program
 	@scripts/demo build/$(PRESET)/bin
 
 test: build
 	@ctest --preset $(PRESET)
 
-package: build
-	@cmake --build --preset $(PRESET) --target package
+check:
+	@scripts/check
 
 bench:
 	@scripts/bench
 
-check:
-	@scripts/check
+format:
+	@scripts/format
+
+package: build
+	@cmake --build --preset $(PRESET) --target package
+
+install: program
+	@cmake --install build/$(PRESET) --prefix "$(PREFIX)"
 
 build: setup
 	@cmake --preset $(PRESET) --log-level=WARNING
 	@cmake --build --preset $(PRESET) --parallel $(shell nproc)
+
+# The command and all that it needs: everything that is installed, and no tests.
+program: setup
+	@cmake --preset $(PRESET) --log-level=WARNING
+	@cmake --build --preset $(PRESET) --parallel $(shell nproc) --target cadrova
 
 setup:
 	@scripts/setup build $(SETUP_$(PRESET))

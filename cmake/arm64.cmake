@@ -1,5 +1,5 @@
-# Cross-builds for 64-bit Arm with clang 19 and libc++ 19, against Debian's arm64 packages, which
-# `scripts/setup arm64` unpacks into build/sysroot-arm64. Programs run under qemu.
+# Cross-builds for 64-bit Arm with clang 19 and libc++ 19. `scripts/setup arm64` unpacks Debian's
+# arm64 packages into build/sysroot-arm64. Programs run under qemu.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR aarch64)
 
@@ -11,7 +11,7 @@ set(CMAKE_C_COMPILER_TARGET aarch64-linux-gnu)
 set(CMAKE_CXX_COMPILER_TARGET aarch64-linux-gnu)
 
 set(libcxx ${CMAKE_SYSROOT}/usr/lib/llvm-19)
-# Which standard library is said twice: by name to link, by place to compile.
+# The name of the standard library is for the linker, its folder for the compiler.
 set(CMAKE_CXX_FLAGS_INIT
   "-stdlib=libc++ -stdlib++-isystem \"${libcxx}/include/c++/v1\" -Wno-unused-command-line-argument")
 foreach(kind EXE SHARED)

@@ -1,13 +1,13 @@
-# How things are compiled, as targets to link: what callers share with us, and what is ours alone.
+# Compiler flags, as targets to link: those that callers must share, and those of this project alone.
 
 include(cmake/standard_library.cmake)
 cadrova_find_standard_library("${CADROVA_STANDARD_LIBRARY_FLAG}" CADROVA_STANDARD_LIBRARY)
 if(CADROVA_STANDARD_LIBRARY STREQUAL "none")
   message(FATAL_ERROR "${CMAKE_CXX_COMPILER} (${CMAKE_CXX_COMPILER_ID} ${CMAKE_CXX_COMPILER_VERSION}) "
-                      "links no C++ program with '${CADROVA_STANDARD_LIBRARY_FLAG}'; use a compiler "
-                      "that does, as clang++-19 with libc++ does with -stdlib=libc++")
+                      "can't link a C++ program with '${CADROVA_STANDARD_LIBRARY_FLAG}'; set "
+                      "CMAKE_CXX_COMPILER to one that can, or CADROVA_STANDARD_LIBRARY_FLAG to another flag")
 endif()
-# It may have come from CMAKE_CXX_FLAGS, which callers don't share.
+# The flag may be in CMAKE_CXX_FLAGS, which callers don't share.
 if(CADROVA_STANDARD_LIBRARY STREQUAL "libc++")
   set(CADROVA_STANDARD_LIBRARY_FLAG -stdlib=libc++)
 endif()

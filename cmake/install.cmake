@@ -1,29 +1,29 @@
-# Below one prefix: the library, its stand-ins and their headers, the command and its sample; a
-# package for find_package(cadrova), and two for pkg-config. All work wherever that prefix is moved.
+# Installs everything under one prefix: the library, the fakes and the test kit, the command, the
+# sample data, and packages for find_package and pkg-config. The prefix can be moved.
 include(CMakePackageConfigHelpers)
 
-# Libraries that were given by path are somebody else's, and stay where they are.
-set(stand_ins)
+# Libraries that were given by path are not installed.
+set(fakes)
 if(NOT CADROVA_BASE_LIBRARY)
-  list(APPEND stand_ins cadrova_base)
+  list(APPEND fakes cadrova_base)
 endif()
 if(NOT CADROVA_CORE_LIBRARY AND CADROVA_HAS_CORE)
-  list(APPEND stand_ins cadrova_ffi)
+  list(APPEND fakes cadrova_ffi)
 endif()
 
 install(TARGETS cadrova_cpp LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(FILES include/cadrova/cadrova.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/cadrova)
 if(CADROVA_INSTALL_HOST)
-  install(TARGETS ${stand_ins} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-  if(cadrova_ffi IN_LIST stand_ins)
+  install(TARGETS ${fakes} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+  if(cadrova_ffi IN_LIST fakes)
     install(FILES host/data/sample.toml DESTINATION ${CMAKE_INSTALL_DATADIR}/cadrova)
   endif()
   if(TARGET cadrova_host)
     install(DIRECTORY host/include/ host/base/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
   endif()
 endif()
-if(CADROVA_BUILD_COMMAND AND stand_ins AND NOT CADROVA_INSTALL_HOST)
-  message(STATUS "Not installed: the cadrova command, which does not run without the stand-ins")
+if(CADROVA_BUILD_COMMAND AND fakes AND NOT CADROVA_INSTALL_HOST)
+  message(STATUS "Not installing the cadrova command: it needs the fakes; set CADROVA_INSTALL_HOST=ON")
 elseif(CADROVA_BUILD_COMMAND)
   install(TARGETS cadrova cadrova_trace
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
@@ -57,7 +57,7 @@ foreach(package cadrova cadrova-host)
 endforeach()
 
 if(PROJECT_IS_TOP_LEVEL)
-  # For uninstalling; what is installed only to be packed is not for that.
+  # The list for `uninstall`. Packing installs too, but only into its own folder.
   install(CODE [[
     if(NOT CMAKE_INSTALL_PREFIX MATCHES "/_CPack_Packages/")
       string(REGEX REPLACE "(^|;)/" "\\1$ENV{DESTDIR}/" installed "${CMAKE_INSTALL_MANIFEST_FILES}")

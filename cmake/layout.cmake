@@ -1,5 +1,5 @@
-# The build tree looks as it is installed, so that what finds another file by its own place does so
-# in both: programs their libraries, libraries one another, and the stand-in core its sample.
+# The build tree has the layout of an installation. Programs and libraries find other files relative
+# to their own path, so they work in both.
 
 if(CADROVA_INSTALL)
   include(GNUInstallDirs)
@@ -11,14 +11,15 @@ else()
 endif()
 foreach(kind BINDIR LIBDIR DATADIR INCLUDEDIR)
   if(IS_ABSOLUTE "${CMAKE_INSTALL_${kind}}")
-    message(FATAL_ERROR "CMAKE_INSTALL_${kind} must be relative to the prefix, as lib and bin are: "
-                        "what is installed finds its other parts by its own place")
+    message(FATAL_ERROR "CMAKE_INSTALL_${kind} is '${CMAKE_INSTALL_${kind}}'; make it relative to the "
+                        "prefix, such as lib or bin, because installed files find one another by "
+                        "relative paths")
   endif()
 endforeach()
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/${CMAKE_INSTALL_BINDIR})
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/${CMAKE_INSTALL_LIBDIR})
 
-# The same run paths in both; libraries given by path stay where they are and are found there.
+# The same run paths in both, and in addition the folders of libraries that were given by path.
 file(RELATIVE_PATH to_libraries ${CMAKE_RUNTIME_OUTPUT_DIRECTORY} ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
 set(CMAKE_INSTALL_RPATH $ORIGIN/${to_libraries})
 set(CMAKE_INSTALL_RPATH_USE_LINK_PATH ON)

@@ -1,7 +1,7 @@
-# Callers, the library and the core hand each other std::string, so all are compiled for the same
-# standard library.
+# Callers, the library and the core exchange std::string objects, so all must use the same standard
+# library.
 
-# Which one the compiler has with `flag`, which may be empty: libc++, libstdc++, or none.
+# Sets `result` to the standard library that the compiler uses with `flag`: libc++, libstdc++ or none.
 function(cadrova_find_standard_library flag result)
   set(${result} none PARENT_SCOPE)
   foreach(library_and_macro libc++:_LIBCPP_VERSION libstdc++:__GLIBCXX__)

@@ -1,20 +1,20 @@
-# Removes what the last installation from this build tree put in place, as it was listed then.
+# Removes the files of the last installation from this build tree, by the list that it wrote.
 set(manifest ${CMAKE_BINARY_DIR}/installed.txt)
 if(NOT EXISTS ${manifest})
-  message(FATAL_ERROR "${manifest} is missing: nothing was installed from this build tree")
+  message(FATAL_ERROR "${manifest} does not exist: nothing was installed from this build tree")
 endif()
 file(READ ${manifest} rest)
 if("\n${rest}" MATCHES "\n[^/\n]")
-  message(FATAL_ERROR "${manifest} has a path that is not absolute; nothing was removed")
+  message(FATAL_ERROR "${manifest} contains a path that is not absolute; nothing was removed")
 endif()
-# Line by line, not as a list, of which `;` and brackets in a path would make another one.
+# Line by line, not as a CMake list, because `;` and brackets in a path would divide it differently.
 while(rest MATCHES "^([^\n]+)\n")
   set(file "${CMAKE_MATCH_1}")
   string(LENGTH "${CMAKE_MATCH_0}" length)
   string(SUBSTRING "${rest}" ${length} -1 rest)
   message(STATUS "Removing ${file}")
   file(REMOVE "${file}")
-  # The folders of these names are ours, and go when nothing is left in them.
+  # Folders with these names belong to cadrova; remove them when they are empty.
   cmake_path(GET file PARENT_PATH folder)
   if(folder MATCHES "/(cadrova|android-base)$")
     execute_process(COMMAND rmdir "${folder}" ERROR_QUIET)
