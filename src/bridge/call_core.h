@@ -9,7 +9,7 @@ namespace android::cadrova_cpp {
 // at. The core never sees the caller's own objects. `rest` is the default, or what is handed over.
 template <class Question, class... Rest>
 inline auto CallCore(Question* question, const std::string& map, const std::string& key,
-                const Rest&... rest) {
+                     const Rest&... rest) {
   // NOLINTBEGIN(performance-unnecessary-copy-initialization): copies are what the core is owed.
   const std::string private_map = map;
   const std::string private_key = key;

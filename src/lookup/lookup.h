@@ -20,7 +20,8 @@ inline std::string CarrierCode() { return base::GetProperty("persist.sys.cota.ca
 
 // Two parts of a map name. Flattened, since most fronts are constants and then no more than a
 // store.
-[[gnu::flatten]] inline std::string Concatenated(const std::string& front, const std::string& back) {
+[[gnu::flatten]] inline std::string Concatenated(const std::string& front,
+                                                 const std::string& back) {
   return front + back;
 }
 

@@ -19,8 +19,8 @@
 /// another.
 #pragma once
 
+#include <iosfwd>
 #include <optional>
-#include <ostream>
 #include <string>
 #include <vector>
 
@@ -61,7 +61,9 @@ inline std::string ToString(const Error& error) {
   return text + ' ' + error.reason;
 }
 
-inline std::ostream& operator<<(std::ostream& stream, const Error& error) {
+template <class Traits>
+std::basic_ostream<char, Traits>& operator<<(std::basic_ostream<char, Traits>& stream,
+                                             const Error& error) {
   return stream << ToString(error);
 }
 

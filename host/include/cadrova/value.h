@@ -3,7 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <ostream>
+#include <iosfwd>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -55,7 +55,8 @@ constexpr const char* ToString(Kind kind) {
   return "";
 }
 
-inline std::ostream& operator<<(std::ostream& stream, Kind kind) {
+template <class Traits>
+std::basic_ostream<char, Traits>& operator<<(std::basic_ostream<char, Traits>& stream, Kind kind) {
   return stream << ToString(kind);
 }
 

@@ -22,8 +22,8 @@ const CommandInfo& FindCommand(const std::string& name) {
   for (const CommandInfo& command : Commands()) {
     if (command.name == name) return command;
   }
-  throw Failure("unknown command '" + name + "'; use one of: " +
-                Join(Commands(), ", ", &CommandInfo::name));
+  throw Failure("unknown command '" + name +
+                "'; use one of: " + Join(Commands(), ", ", &CommandInfo::name));
 }
 
 // The argument parser with all commands declared. Each one's `Run` is called if it is parsed.

@@ -60,7 +60,8 @@ std::vector<std::string> SimilarKeys(const host::Contents& contents, const MapNa
   std::vector<std::string> lines;
   for (const Suggestion& suggestion : suggestions) {
     const auto& containing = maps[suggestion.name];
-    lines.push_back(DisplayName(suggestion.name) + " in " + DisplayName(containing.begin()->second) +
+    lines.push_back(DisplayName(suggestion.name) + " in " +
+                    DisplayName(containing.begin()->second) +
                     (containing.size() == 1 ? "" : " and other maps"));
   }
   return lines;

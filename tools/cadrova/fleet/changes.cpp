@@ -21,7 +21,8 @@ std::vector<Change> FindChanges(const FleetChains& chains, const Results& before
         number->second = changes.size();
         changes.push_back({results.first, results.second, {}});
       }
-      if (number->second != kNoChange) changes[number->second].devices.emplace_back(region, carrier);
+      if (number->second != kNoChange)
+        changes[number->second].devices.emplace_back(region, carrier);
     }
   }
   return changes;

@@ -79,9 +79,8 @@ std::string DidYouMean(const std::string& name) {
 
 // The item that decides of which kind its key is: that in DEFAULT, or else the first.
 const Item& DecidingItem(const std::vector<const Item*>& items) {
-  auto found = std::ranges::find_if(items, [](const Item* item) {
-    return item->map == "DEFAULT" && !IsEmptyList(*item);
-  });
+  auto found = std::ranges::find_if(
+      items, [](const Item* item) { return item->map == "DEFAULT" && !IsEmptyList(*item); });
   if (found == items.end()) {
     found = std::ranges::find_if_not(items, [](const Item* item) { return IsEmptyList(*item); });
   }
@@ -120,8 +119,8 @@ void Checker::CheckKeys() {
         return !IsInMap(first.map, others) && (others.size() > 1 || IsInMap("DEFAULT", others));
       });
       if (meant != suggestions.end()) {
-        AddWarning(first.place, "only " + DisplayName(first.map) + " contains " +
-                                    DisplayName(key) + DidYouMean(meant->name));
+        AddWarning(first.place, "only " + DisplayName(first.map) + " contains " + DisplayName(key) +
+                                    DidYouMean(meant->name));
         continue;
       }
     }

@@ -33,14 +33,13 @@ constexpr Lookup MakeLookup() {
 // In the order of the kinds; nullptr for a kind that the family lacks.
 template <auto of_bool, auto of_int, auto of_float, auto of_string, auto of_string_array,
           auto of_int_array, auto of_map_array>
-constexpr std::array<Lookup, kKindCount> kLookups = {
-    MakeLookup<of_bool, bool>(),
-    MakeLookup<of_int, int>(),
-    MakeLookup<of_float, float>(),
-    MakeLookup<of_string, std::string>(),
-    MakeLookup<of_string_array, StringArray>(),
-    MakeLookup<of_int_array, IntArray>(),
-    MakeLookup<of_map_array, MapArray>()};
+constexpr std::array<Lookup, kKindCount> kLookups = {MakeLookup<of_bool, bool>(),
+                                                     MakeLookup<of_int, int>(),
+                                                     MakeLookup<of_float, float>(),
+                                                     MakeLookup<of_string, std::string>(),
+                                                     MakeLookup<of_string_array, StringArray>(),
+                                                     MakeLookup<of_int_array, IntArray>(),
+                                                     MakeLookup<of_map_array, MapArray>()};
 
 using namespace android;
 
@@ -56,18 +55,17 @@ constexpr Family kFamilies[] = {
      .infix = "RegionCust",
      .is_compared = false,
      .is_checked = true,
-     .lookups = kLookups<getRegionCustBooleanFeature, getRegionCustIntFeature,
-                         getRegionCustFloatFeature, getRegionCustStringFeature,
-                         getRegionCustStringArrayFeature, getRegionCustIntArrayFeature,
-                         getRegionCustMapArrayFeature>},
+     .lookups =
+         kLookups<getRegionCustBooleanFeature, getRegionCustIntFeature, getRegionCustFloatFeature,
+                  getRegionCustStringFeature, getRegionCustStringArrayFeature,
+                  getRegionCustIntArrayFeature, getRegionCustMapArrayFeature>},
     {.name = "carrier",
      .infix = "CotaCust",
      .is_compared = false,
      .is_checked = true,
-     .lookups =
-         kLookups<getCotaCustBooleanFeature, getCotaCustIntFeature, getCotaCustFloatFeature,
-                  getCotaCustStringFeature, getCotaCustStringArrayFeature,
-                  getCotaCustIntArrayFeature, getCotaCustMapArrayFeature>},
+     .lookups = kLookups<getCotaCustBooleanFeature, getCotaCustIntFeature, getCotaCustFloatFeature,
+                         getCotaCustStringFeature, getCotaCustStringArrayFeature,
+                         getCotaCustIntArrayFeature, getCotaCustMapArrayFeature>},
     {.name = "carrier-region",
      .infix = "CotaRegionCust",
      .is_compared = true,

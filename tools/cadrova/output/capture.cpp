@@ -15,8 +15,7 @@ namespace {
 
 void Require(bool succeeded) {
   if (succeeded) return;
-  throw Failure("can't capture what the library prints: " +
-                std::generic_category().message(errno));
+  throw Failure("can't capture what the library prints: " + std::generic_category().message(errno));
 }
 
 void RedirectStdout(int file, const std::function<void()>& action) {

@@ -3,13 +3,26 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <ctime>
+#include <utility>
 
 namespace cadrova::tools {
+namespace {
+
+long Milliseconds() {
+  timespec now = {};
+  clock_gettime(CLOCK_MONOTONIC, &now);
+  return now.tv_sec * 1000 + now.tv_nsec / 1'000'000;
+}
+
+}  // namespace
+
+Progress::Progress(std::string work) : work_(std::move(work)), next_(Milliseconds() + 500) {}
 
 void Progress::Show(std::size_t done, std::size_t all) {
   static const bool is_wanted = isatty(STDERR_FILENO) != 0;
-  if (!is_wanted || Clock::now() < next_) return;
-  next_ = Clock::now() + std::chrono::milliseconds(100);
+  if (!is_wanted || Milliseconds() < next_) return;
+  next_ = Milliseconds() + 100;
   is_shown_ = true;
   std::fprintf(stderr, "\rcadrova: %s: %zu %%\x1B[K", work_.c_str(), 100 * done / all);
 }
