@@ -1,195 +1,103 @@
-// What the cadrova command says of one device.
-
-#include "command.h"
+// The cadrova command as its users run it.
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <regex>
 #include <set>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "commands/command.h"
+#include "common/text.h"
+#include "files.h"
+#include "lookup/families.h"
+#include "run.h"
+
 namespace {
 
-TEST(Command, PrintsTheValueAlone) {
+using namespace cadrova::tools;
+
+// The data if a test names no other.
+const std::string kData =
+    TemporaryFile("data.toml", "[DEFAULT]" + kItems + "[\"\"]" + kItems + R"(
+[DEFAULT.a]
+b.c = 1
+"b.d" = 2
+[EU]
+float = 0.5
+["COTA_X=1"]
+float = 2.0
+["COTA_X=1_EU"]
+float = 1.0
+)");
+
+// `line` has a bar between arguments; "cadrova" is the command again.
+Outcome Cadrova(const std::string& line, const std::string& setting = "CADROVA_HOST_DATA=" + kData,
+                const std::string& out = "") {
+  const Words command = {CADROVA_COMMAND};
+  Words words = command;
+  std::istringstream rest(line + '|');
+  for (std::string word; std::getline(rest, word, '|');) {
+    words.push_back(word);
+    if (word == "cadrova")
+      words.insert(words.erase(words.end() - 1), command.begin(), command.end());
+  }
+  return RunProgram(words, {setting}, out);
+}
+
+struct Case {
+  std::string line, out, err = {};
+  int status = 0;
+};
+
+void ExpectEach(const std::vector<Case>& cases) {
+  for (const auto& [line, out, err, status] : cases) {
+    SCOPED_TRACE(line);
+    Expect(Cadrova(line), out, err, status);
+  }
+}
+
+TEST(Get, PrintsOnlyTheValue) {
   const std::pair<const char*, const char*> cases[] = {
       // clang-format off
       {"bool|bool", "true\n"}, {"int|int", "-2147483648\n"}, {"float|float", "0.35\n"},
       {"string|string", "a text of 24 characters.\n"}, {"string-array|string-array", "a\n\nc\n"},
-      {"int-array|int-array", "2147483647\n0\n1\n2\n3\n4\n"},
+      {"int-array|int-array", "2147483647\n0\n1\n2\n3\n4\n"}, {"int-array|none|--json", "[]\n"},
       {"map-array|map-array", "k=123456789\nk=\n=\n"}, {"float|float|--json", "0.35\n"},
       {"string-array|string-array|--json", "[\"a\",\"\",\"c\"]\n"},
       {"map-array|map-array|--json", "[[\"k\",\"123456789\"],[\"k\",\"\"],[\"\",\"\"]]\n"},
-      // Feature keys of dotted keys, and of tables inside a map.
+      // Keys of dotted keys, and of tables inside a map.
       {"int|a.b.c", "1\n"}, {"int|a.b.d", "2\n"},
-      // Missing items that have a default.
+      // Missing items with a default.
       {"bool|int|true", "true\n"}, {"bool|nope|false", "false\n"},
       {"int|nope|-7", "-7\n"}, {"int||2147483647", "2147483647\n"},
       {"float|nope|--|-.5", "-0.5\n"}, {"float|nope|16777216", "16777216\n"},
-      {"float|nope|--|-Inf", "-inf\n"}, {"string|nope|--|--x", "--x\n"},
+      {"float|nope|--|-Inf", "-inf\n"}, {"float|nope|--json|--|-Inf", "\"-inf\"\n"},
+      {"float|nope|nan|--json", "\"nan\"\n"}, {"string|nope|--|--x", "--x\n"},
       // clang-format on
   };
-  for (const auto& [question, out] : cases) {
-    Expect(Cadrova(std::string("get|default|") + question), out, "");
+  for (const auto& [lookup, out] : cases) {
+    Expect(Cadrova(std::string("get|default|") + lookup), out, "");
   }
 }
 
-TEST(Command, SaysThatNoMapHoldsAnItem) {
-  const std::pair<const char*, const char*> cases[] = {
-      {"bool|", "false\n"},  {"int|", "0\n"},    {"float|", "0\n"}, {"string|", "\n"},
-      {"string-array|", ""}, {"int-array|", ""}, {"map-array|", ""}};
+TEST(Get, ReportsAMissingItem) {
+  const std::pair<std::string, const char*> cases[] = {
+      {"bool", "false\n"},  {"int", "0\n"},    {"float", "0\n"}, {"string", "\n"},
+      {"string-array", ""}, {"int-array", ""}, {"map-array", ""}};
   for (const auto& [kind, out] : cases) {
-    const std::string name = kind;
-    Expect(Cadrova("get|default|" + name + "nope"), out,
-           "cadrova: no map holds nope as " + name.substr(0, name.size() - 1) +
-               "; see cadrova explain\n",
-           1);
-  }
-  Expect(Cadrova("get|default|int-array|none|--json"), "[]\n", "");  // It is held, and empty.
-}
-
-// Which function was called is seen from outside.
-TEST(Command, AsksTheLookupOfEachFamilyAndKind) {
-  const std::vector<std::array<std::string, 3>> kinds = {
-      // clang-format off
-      {"bool", "Boolean", "true"}, {"int", "Int", "5"}, {"float", "Float", ""},
-      {"string", "String", "x"}, {"string-array", "StringArray", "[\"x\"]"},
-      {"int-array", "IntArray", "[5]"}, {"map-array", "MapArray", "[[\"x\", \"5\"]]"}};
-  // clang-format on
-  const std::vector<std::array<std::string, 3>> families = {
-      {"default", "getCust", "DEFAULT"},
-      {"region", "getRegionCust", ""},
-      {"carrier", "getCotaCust", "DEFAULT"},
-      {"carrier-region", "getCotaRegionCust", ""},
-      {"sim", "getSimCust", "SIM_"}};
-  for (const auto& [kind, kind_name, item] : kinds) {
-    for (const auto& [family, family_name, map] : families) {
-      if (family == "sim" && kind == "float") continue;
-      const std::string function = family_name + kind_name + "Feature";
-      const std::string question = family + '|' + kind + '|' + kind + "|--sim|" + kind + '=' + item;
-      const Outcome traced = Cadrova("trace|--|cadrova|get|" + question);
-      EXPECT_NE(traced.err.find(' ' + function + "(\"" + kind + '"'), std::string::npos)
-          << traced.err;
-      const Outcome explained = Cadrova("explain|--json|" + question);
-      EXPECT_TRUE(explained.out.starts_with("{\"function\":\"" + function + "\",\"key\":\"" + kind +
-                                            "\",\"kind\":\"" + kind))
-          << explained.out;
-      EXPECT_NE(explained.out.find("\"answered_by\":\"" + map + '"'), std::string::npos)
-          << explained.out;
-    }
+    Expect(Cadrova("get|default|" + kind + "|nope"), out,
+           "cadrova: no map contains nope as " + kind + "; see cadrova explain\n", 1);
   }
 }
 
-TEST(Command, ExplainsWhichMistakeWasMade) {
-  const std::string data = "[DEFAULT]\nring.seconds = 30\n[COTA_X1]\nring.seconds = 25\n";
-  const std::pair<std::string, std::string> mistakes[] = {
-      // clang-format off
-      {"[COTA_EU_X1]\nring.seconds = 40", "not asked    COTA_EU_X1, almost COTA_X1_EU\n"},
-      {"[cota_x1_eu]\nring.seconds = 40", "not asked    cota_x1_eu, almost COTA_X1_EU\n"},
-      {"['COTA_X1_EU ']\nring.seconds = 40", "not asked    \"COTA_X1_EU \", almost COTA_X1_EU\n"},
-      {"[COTA_1X_EU]\nring.seconds = 40\n[A.ring]\nseconds = 1",
-       "not asked    COTA_1X_EU\n             A\n"},
-      {"[COTA_X1_EU]\nring.second = 40", "similar      ring.second in COTA_X1_EU\n"},
-      {"[COTA_X1_EU]\nRing.Seconds = 40", "similar      Ring.Seconds in COTA_X1_EU\n"},
-      {"[COTA_X1_EU]\nring.secnods = 40\n[A]\nring.secnods = 40\n[B]\nrnig.seconds = 1",
-       "similar      ring.secnods in COTA_X1_EU and elsewhere\n             rnig.seconds in B\n"},
-      {"[COTA_X1_EU.ring]\nring.seconds = 40", "similar      ring.ring.seconds in COTA_X1_EU\n"},
-      {"[COTA_X1_EU]\nring.seconds = '40'", "\n  COTA_X1_EU    string, not int\n"},
-      {"[COTA_X1_EU]\nring.seconds = 40.0", "\n  COTA_X1_EU    float, not int\n"},
-      {"[COTA_X1_EU]\nring.seconds = []", "\n  COTA_X1_EU    string-array, int-array, map-array, not int\n"},
-      // clang-format on
-  };
-  for (const auto& [mistake, words] : mistakes) {
-    const std::string file = TemporaryFile("mistake.toml", data + mistake);
-    const Outcome outcome =
-        Cadrova("explain|carrier-region|int|ring.seconds|--region|EU|--carrier|X1|--data|" + file);
-    EXPECT_TRUE(outcome.out.starts_with("25, from COTA_X1\n")) << outcome.out;
-    EXPECT_NE(outcome.out.find(words), std::string::npos) << outcome.out;
-    EXPECT_EQ(std::pair(outcome.err, outcome.status), std::pair(std::string(), 0));
-  }
-}
-
-TEST(Command, ExplainsALookupAsTextStepsAndJson) {
-  const std::string question = "explain|sim|int|ring|7|--carrier|X1|--sim|other=1|--data|" +
-                               TemporaryFile("explained.toml", R"(
-[DEFAULT]
-ring = 30
-[SIM_X1]
-ring = 1.5
-[COTA_X1]
-ring = 25
-[COTA_X1_EU]
-ring = 40
-)");
-  Expect(Cadrova(question),
-         R"(25, from COTA_X1
-
-  map           holds           value
-  SIM_X1        float, not int
-  SIM_DEFAULT   -
-  COTA_X1_      -
-> COTA_X1       int             25
-  ""            -
-  DEFAULT       int             30
-
-properties   persist.sys.cota.carrier = X1
-             ro.orvel.region is unset
-line         getCotaRegionCustIntFeature exist with the carrier : 25 
-data         )" +
-             kTemporaryFolder.path + R"(/explained.toml
-not asked    COTA_X1_EU
-)",
-         "");
-  Expect(Cadrova(question + "|--steps"), R"(GetProperty("persist.sys.cota.carrier", "") = "X1"
-sim_get_int_item_exist("SIM_X1", "ring") = false
-sim_get_int_item_exist("SIM_DEFAULT", "ring") = false
-GetProperty("ro.orvel.region", "") = ""
-GetProperty("persist.sys.cota.carrier", "") = "X1"
-get_int_item_exist("COTA_X1_", "ring") = false
-get_int_item_exist("COTA_X1", "ring") = true
-get_int_from_map("COTA_X1", "ring", 7) = 25
-get_int_from_map("COTA_X1", "ring", 7) = 25
-)",
-         "");
-  Expect(
-      Cadrova(question + "|--json"),
-      "{\"function\":\"getSimCustIntFeature\",\"key\":\"ring\",\"kind\":\"int\",\"default\":7,"
-      "\"value\":25,\"answered_by\":\"COTA_X1\","
-      R"("line":"getCotaRegionCustIntFeature exist with the carrier : 25 ","properties":[["persist.sys.cota.carrier","X1"],["ro.orvel.region",""],["persist.sys.cota.carrier","X1"]],"maps":[{"map":"SIM_X1","asked":true,"holds":["float"],"value":null},{"map":"SIM_DEFAULT","asked":true,"holds":[],"value":null},{"map":"COTA_X1_","asked":true,"holds":[],"value":null},{"map":"COTA_X1","asked":true,"holds":["int"],"value":25},{"map":"","asked":false,"holds":[],"value":null},{"map":"DEFAULT","asked":false,"holds":["int"],"value":30}]}
-)",
-      "");
-  Expect(
-      Cadrova("explain|default|string-array|nope|--json"),
-      R"({"function":"getCustStringArrayFeature","key":"nope","kind":"string-array","value":[],"answered_by":null,"line":null,"properties":[],"maps":[{"map":"DEFAULT","asked":true,"holds":[],"value":null}]}
-)",
-      "");
-  const Outcome nowhere = Cadrova("explain|region|string|strin|d");
-  EXPECT_TRUE(nowhere.out.starts_with("\"d\", the default: no map holds strin as string\n"))
-      << nowhere.out;
-}
-
-TEST(Command, IsColouredOnATerminalOnly) {
-  const int terminal = posix_openpt(O_RDWR | O_NOCTTY);
-  ASSERT_EQ(grantpt(terminal) + unlockpt(terminal), 0);
-  const std::string name = ptsname(terminal);
-  for (const std::string setting : {"A=", "NO_COLOR=", "NO_COLOR=1"}) {
-    Cadrova("explain|default|int|camera.max_zoom", setting, name);
-    std::string screen(4096, '\0');
-    screen.resize(static_cast<std::size_t>(
-        std::max<ssize_t>(read(terminal, screen.data(), screen.size()), 0)));
-    EXPECT_EQ(screen.find("\x1B[32m> DEFAULT") != std::string::npos, setting != "NO_COLOR=1")
-        << screen;
-  }
-  close(terminal);
-}
-
-TEST(Command, AnswersForTheCodesOfTheStoreOrThoseGivenFromTheFileNamedFirst) {
+TEST(Get, UsesTheGivenCodesAndTheFileNamedFirst) {
   const std::string store =
       "CADROVA_HOST_PROPS=" + TemporaryFile("props",
                                             "# a device\n\nro.orvel.region=US\n"
@@ -210,8 +118,284 @@ TEST(Command, AnswersForTheCodesOfTheStoreOrThoseGivenFromTheFileNamedFirst) {
   Expect(Cadrova("get|default|int|camera.max_zoom", "CADROVA_HOST_DATA="), "8\n", "");
 }
 
+// A trace shows which function was called.
+TEST(Lookup, IsThatOfItsFamilyAndKind) {
+  const std::pair<Kind, std::string> items[] = {
+      {Kind::kBool, "true"},      {Kind::kInt, "5"},         {Kind::kFloat, ""},
+      {Kind::kString, "x"},       {Kind::kStringArray, "[\"x\"]"},
+      {Kind::kIntArray, "[5]"},   {Kind::kMapArray, "[[\"x\", \"5\"]]"}};
+  std::string maps;
+  for (const Family& family : Families()) {
+    for (const auto& [kind, item] : items) {
+      if (!family.Has(kind)) continue;
+      const std::string key = ToString(kind), function = family.FunctionName(kind);
+      const std::string lookup =
+          family.name + ('|' + key) + '|' + key + "|--sim|" + key + '=' + item;
+      const Outcome traced = Cadrova("trace|--|cadrova|get|" + lookup);
+      EXPECT_NE(traced.err.find(' ' + function + "(\"" + key + '"'), std::string::npos)
+          << traced.err;
+      const std::string explained = Cadrova("explain|--json|" + lookup).out;
+      EXPECT_TRUE(explained.starts_with("{\"function\":\"" + function + "\",\"key\":\"" + key +
+                                        "\",\"kind\":\"" + key))
+          << explained;
+      const std::string source = "\"answered_by\":\"";
+      const std::size_t begin = explained.find(source) + source.size();
+      if (kind == Kind::kInt) maps += explained.substr(begin, explained.find('"', begin) - begin) + ';';
+    }
+  }
+  EXPECT_EQ(maps, "DEFAULT;;DEFAULT;;SIM_;");
+}
+
+// The table of families has every lookup that the library exports, and no other.
+TEST(Lookup, IsExported) {
+  std::set<std::string> exported, known;
+  const std::string symbols = Contents(CADROVA_SOURCES "/abi/exports.txt");
+  const std::regex name("get[A-Za-z]*Feature");
+  for (std::sregex_iterator found(symbols.begin(), symbols.end(), name), end; found != end; ++found) {
+    exported.insert(found->str());
+  }
+  for (const Family& family : Families()) {
+    for (std::size_t kind = 0; kind < kKindCount; ++kind) {
+      if (family.Has(static_cast<Kind>(kind))) {
+        known.insert(family.FunctionName(static_cast<Kind>(kind)));
+      }
+    }
+  }
+  EXPECT_EQ(known, exported);
+}
+
+TEST(Explain, ShowsALookupAsTextStepsAndJson) {
+  const std::string lookup = "explain|sim|int|ring|7|--carrier|X1|--sim|other=1|--data|" +
+                             TemporaryFile("explained.toml", R"(
+[DEFAULT]
+ring = 30
+[SIM_X1]
+ring = 1.5
+[COTA_X1]
+ring = 25
+[COTA_X1_EU]
+ring = 40
+)");
+  ExpectEach({{lookup, R"(25, from COTA_X1
+
+  map           kind            value
+  SIM_X1        float, not int
+  SIM_DEFAULT   -
+  COTA_X1_      -
+> COTA_X1       int             25
+  ""            -
+  DEFAULT       int             30
+
+properties     persist.sys.cota.carrier = X1
+               ro.orvel.region is unset
+printed        getCotaRegionCustIntFeature exist with the carrier : 25 
+data           )" + kTemporaryFolder.path + R"(/explained.toml
+not in chain   COTA_X1_EU
+)"},
+              {lookup + "|--steps", R"(GetProperty("persist.sys.cota.carrier", "") = "X1"
+sim_get_int_item_exist("SIM_X1", "ring") = false
+sim_get_int_item_exist("SIM_DEFAULT", "ring") = false
+GetProperty("ro.orvel.region", "") = ""
+GetProperty("persist.sys.cota.carrier", "") = "X1"
+get_int_item_exist("COTA_X1_", "ring") = false
+get_int_item_exist("COTA_X1", "ring") = true
+get_int_from_map("COTA_X1", "ring", 7) = 25
+get_int_from_map("COTA_X1", "ring", 7) = 25
+)"},
+              {lookup + "|--json", R"({"function":"getSimCustIntFeature","key":"ring","kind":"int","default":7,"value":25,"answered_by":"COTA_X1","line":"getCotaRegionCustIntFeature exist with the carrier : 25 ","properties":[["persist.sys.cota.carrier","X1"],["ro.orvel.region",""],["persist.sys.cota.carrier","X1"]],"maps":[{"map":"SIM_X1","asked":true,"holds":["float"],"value":null},{"map":"SIM_DEFAULT","asked":true,"holds":[],"value":null},{"map":"COTA_X1_","asked":true,"holds":[],"value":null},{"map":"COTA_X1","asked":true,"holds":["int"],"value":25},{"map":"","asked":false,"holds":[],"value":null},{"map":"DEFAULT","asked":false,"holds":["int"],"value":30}]}
+)"},
+              {"explain|default|string-array|nope|--json", R"({"function":"getCustStringArrayFeature","key":"nope","kind":"string-array","value":[],"answered_by":null,"line":null,"properties":[],"maps":[{"map":"DEFAULT","asked":true,"holds":[],"value":null}]}
+)"},
+              {"explain|default|float|strin|inf|--data|" + TemporaryFile("five.toml", "[A]\nstrin = 1\n[B]\nstrin = 1\n[C]\nstrin = 1\n[D]\nstrin = 1\n[E]\nstrin = 1\n"), R"(inf, the default: no map contains strin as float
+
+  map           kind     value
+  DEFAULT       -
+
+data           )" + kTemporaryFolder.path + R"(/five.toml
+not in chain   A
+               B
+               C
+               and 2 more
+)"}});
+}
+
+// Each mistake that data authors make, as explain and check show it.
+TEST(Data, WithAMistakeIsExplainedAndReported) {
+  const std::string data = "[DEFAULT]\nring.seconds = 30\n[COTA_X1]\nring.seconds = 25\n";
+  const struct {
+    std::string mistake, explained, finding;
+    int status = 1;
+  } mistakes[] = {
+      // clang-format off
+      {"[COTA_EU_X1]\nring.seconds = 40", "not in chain   COTA_EU_X1, similar to COTA_X1_EU\n", "5:2: error: no device consults COTA_EU_X1; did you mean COTA_X1_EU?\n"},
+      {"[cota_x1_eu]\nring.seconds = 40", "not in chain   cota_x1_eu, similar to COTA_X1_EU\n", "5:2: error: no device consults cota_x1_eu; did you mean COTA_X1_EU?\n"},
+      {"['COTA_X1_EU ']\nring.seconds = 40", "not in chain   \"COTA_X1_EU \", similar to COTA_X1_EU\n", "5:2: error: no device consults \"COTA_X1_EU \"; did you mean COTA_X1_EU?\n"},
+      {"[COTA_1X_EU]\nring.seconds = 40\n[A.ring]\nseconds = 1", "not in chain   COTA_1X_EU\n               A\n", "5:2: error: no device consults COTA_1X_EU; did you mean COTA_X1_EU?\n7:2: error: no device consults A\n"},
+      {"[COTA_X1_EU]\nring.second = 40", "similar keys   ring.second in COTA_X1_EU\n", "6:6: warning: only COTA_X1_EU contains ring.second; did you mean ring.seconds?\n", 0},
+      {"[COTA_X1_EU]\nRing.Seconds = 40", "similar keys   Ring.Seconds in COTA_X1_EU\n", "6:6: warning: only COTA_X1_EU contains Ring.Seconds; did you mean ring.seconds?\n", 0},
+      {"[COTA_X1_EU]\nring.secnods = 40\n[EU]\nring.secnods = 40\nrnig.seconds = 1", "similar keys   ring.secnods in COTA_X1_EU and other maps\n               rnig.seconds in EU\n", "6:6: warning: ring.secnods is not in DEFAULT\n9:6: warning: only EU contains rnig.seconds; did you mean ring.seconds?\n", 0},
+      {"[COTA_X1_EU.ring]\nring.seconds = 40", "similar keys   ring.ring.seconds in COTA_X1_EU\n", "6:6: warning: only COTA_X1_EU contains ring.ring.seconds; did you mean ring.seconds?\n", 0},
+      {"[COTA_X1_EU]\nring.seconds = '40'", "\n  COTA_X1_EU    string, not int\n", "6:6: error: ring.seconds is string here, but int in DEFAULT\n"},
+      {"[COTA_X1_EU]\nring.seconds = 40.0", "\n  COTA_X1_EU    float, not int\n", "6:6: error: ring.seconds is float here, but int in DEFAULT\n"},
+      {"[COTA_X1_EU]\nring.seconds = []", "\n  COTA_X1_EU    string-array, int-array, map-array, not int\n", "6:6: error: ring.seconds is an empty list here, but int in DEFAULT\n"},
+      // clang-format on
+  };
+  for (const auto& [mistake, explained, finding, status] : mistakes) {
+    SCOPED_TRACE(mistake);
+    const std::string file = TemporaryFile("mistake.toml", data + mistake + '\n');
+    const Outcome outcome =
+        Cadrova("explain|carrier-region|int|ring.seconds|--region|EU|--carrier|X1|--data|" + file);
+    EXPECT_TRUE(outcome.out.starts_with("25, from COTA_X1\n")) << outcome.out;
+    EXPECT_NE(outcome.out.find(explained), std::string::npos) << outcome.out;
+    EXPECT_EQ(std::pair(outcome.err, outcome.status), std::pair(std::string(), 0));
+    Expect(Cadrova("check|" + file + "|--regions|,EU|--carriers|,X1"),
+           std::regex_replace(finding, std::regex("(^|\n)(?=[0-9])"), "$1" + file + ':'), "",
+           status);
+  }
+}
+
+TEST(Check, ReportsFindingsInTheOrderOfTheFile) {
+  const std::string data = "[DEFAULT]\nring = 30\n[COTA_X1]\nring = 25\n";
+  const std::string redundant = " here, every lookup on every device returns the same\n";
+  const struct {
+    std::string more, found;
+    int status = 0;
+    std::string options = {};
+  } cases[] = {
+      // clang-format off
+      {"[COTA_X1_EU]\nring = 40", "", 0, "|--regions|,EU|--carriers|,X1"},
+      {"[SIM_X1]\nring = 4.0\nfloat = 1.5", "6:1: error: ring is a float; no lookup reads floats from SIM maps\n6:1: error: ring is float here, but int in DEFAULT\n7:1: error: float is a float; no lookup reads floats from SIM maps\n", 1},
+      {"[COTA_X1_EU]\nring = 25\n[SIM_X1]\nring = 25", "6:1: warning: redundant: without ring" + redundant + "8:1: warning: redundant: without ring" + redundant},
+      // A region called like a carrier's map, which its devices consult twice.
+      {"", "", 0, "|--regions|COTA_X1|--carriers|X1"},
+      {"[COTA_N7]\nring = 30", "6:1: warning: redundant: without ring" + redundant, 0, "|--regions|COTA_N7|--carriers|N7,X1"},
+      // Needed by region lookups only.
+      {"[EU]\nring = 35", "", 0, "|--regions|EU|--carriers|X1"},
+      // An empty list is of the kind that the key has elsewhere.
+      {"l.m = []\n[DEFAULT.l]\nm = []\n[EU]\nl.m = [1]\n[COTA_N7]\nl.m = ['a']", "11:3: error: l.m is string-array here, but int-array in EU\n", 1},
+      {"ab = 1\n[EU]\nab = 1\n[JP]\nac = 1", "5:1: warning: ab is not in DEFAULT\n9:1: warning: ac is not in DEFAULT\n"},
+      {"[EU]\n[eu]", "6:2: warning: eu differs from EU only in case, word order or separators\n"},
+      {"[COTA_X1_EU]\n[COTA_EU_X1]\nring = 1", "6:2: warning: COTA_EU_X1 differs from COTA_X1_EU only in case, word order or separators\n"},
+      {"[A]\nx", "6:2: error: Error while parsing key-value pair: expected '=', saw '\\n'\n", 1},
+      {"[A]\nx = 1e39\ny = 3000000000", "6:5: error: beyond the range of a 32-bit float\n7:5: error: 3000000000 does not fit in 32 bits\n", 1},
+      // clang-format on
+  };
+  for (const auto& [more, found, status, options] : cases) {
+    SCOPED_TRACE(more);
+    const std::string file = TemporaryFile("checked.toml", data + more + '\n');
+    Outcome outcome = Cadrova("check|" + file + options);
+    outcome.out = std::regex_replace(outcome.out, std::regex(file + ':'), "");
+    Expect(outcome, found, "", status);
+  }
+  for (const std::string options : {"", "|--regions|EU,JP,US|--carriers|X1,N7"}) {
+    Expect(Cadrova("check" + options, "A="), "", "");
+  }
+}
+
+TEST(Diff, ShowsWhichDevicesChangeAndHow) {
+  const std::string maps = "[DEFAULT]\nk = 1\nlist = []\n[EU]\n[JP]\n[SIM_X1]\nk = 2\n";
+  const auto diff = [&](const std::string& more, const std::string& options = "") {
+    return "diff|" + TemporaryFile("old.toml", maps) + '|' +
+           TemporaryFile("new.toml", maps + more) + options;
+  };
+  ExpectEach({{diff("[COTA_X1_EU]\nk = 1\n[DEFAULT.list2]\n"), ""}});  // the same from another map
+  ExpectEach({{diff("[COTA_X1]\nk = 3\n"),
+               "int k by carrier-region\n  1 DEFAULT -> 3 COTA_X1: X1 in every region\n", "", 1}});
+  ExpectEach({{diff("[COTA_X1_EU]\nk = 3\nnew = 'n'\n[COTA_N7]\nk = 5\n"),
+               "int k by carrier-region\n"
+               "  1 DEFAULT -> 5 COTA_N7: N7 in every region\n"
+               "  1 DEFAULT -> 3 COTA_X1_EU: X1 in EU\n"
+               "int k by sim\n  1 DEFAULT -> 5 COTA_N7: N7 in every region\n"
+               "string new by carrier-region and sim\n  no map -> \"n\" COTA_X1_EU: X1 in EU\n",
+               "", 1}});
+  ExpectEach({{diff("[COTA_X1_EU]\nk = 3\n", "|--family|sim"), ""}});
+  ExpectEach({{diff("[EU]\nk = inf\n", "|--regions|EU|--carriers|X1|--json|--family|region"), R"([
+{"family":"region","kind":"float","key":"k","region":"EU","carrier":"X1","old":{"value":0.0,"map":null},"new":{"value":"inf","map":"EU"}}
+]
+)", "", 1}});
+  ExpectEach({{diff("[COTA_X1]\nk = 3\n[COTA_X1_F]\nk = 1\n", "|--regions|A,B,C,D,F"),
+               "int k by carrier-region\n"
+               "  1 DEFAULT -> 3 COTA_X1: X1 in every region except F\n", "", 1}});
+  ExpectEach({{diff("", "|--json"), "[]\n"}});
+  const std::string bad = TemporaryFile("bad.toml", "x\n");
+  ExpectEach({{"diff|" + kData + '|' + bad, "",
+               bad + ":1:2: Error while parsing key-value pair: expected '=', saw '\\n'\n", 2}});
+}
+
+TEST(List, ShowsFeaturesAndTheirMaps) {
+  const std::string data = "|--data|" + TemporaryFile("listed.toml", R"([DEFAULT]
+ring = 30
+list = []
+"<&" = false
+[EU]
+ring = 25
+[COTA_N_7_EU]
+list = ["a"]
+)");
+  ExpectEach({
+      {"list" + data, "\"<&\"  bool          DEFAULT\nlist  string-array  COTA_N_7_EU, DEFAULT\n"
+                      "ring  int           DEFAULT, EU\n"},
+      {"list|?i*|--json" + data, "[\n{\"key\":\"list\",\"kind\":\"string-array\",\"maps\":["
+                                 "\"COTA_N_7_EU\",\"DEFAULT\"]},\n"
+                                 "{\"key\":\"ring\",\"kind\":\"int\",\"maps\":[\"DEFAULT\",\"EU\"]}\n]\n"},
+      {"list|x|--json", "[]\n", "cadrova: no key matches 'x'\n", 1},
+  });
+}
+
+// Every cell is the result of a lookup on that device alone.
+TEST(Matrix, ShowsWhatEachDeviceGets) {
+  for (const std::string lookup :
+       {"default|bool|calling.volte", "region|float|radio.signal_smoothing",
+        "carrier|map-array|apn.list", "carrier-region|string|ui.theme",
+        "sim|int|calling.ring_seconds", "sim|bool|nope"}) {
+    std::string cells;
+    for (const std::string region : {"", "US", "EU"}) {
+      for (const std::string carrier : {"X1", ""}) {
+        const std::string device = "|--region|" + region + "|--carrier|" + carrier;
+        const std::string explained = Cadrova("explain|--json|" + lookup + device, "A=").out;
+        std::smatch found;
+        const std::regex result(R"("value":(.*),"answered_by":([^,]*),)");
+        ASSERT_TRUE(std::regex_search(explained, found, result)) << explained;
+        cells += cells.empty() ? "[\n" : ",\n";
+        cells += R"({"region":")" + region + R"(","carrier":")" + carrier + R"(","value":)" +
+                 found.str(1) + R"(,"map":)" + found.str(2) + '}';
+      }
+    }
+    const std::string codes = "|--regions|,US,EU,US|--carriers|X1,";
+    EXPECT_EQ(Cadrova("matrix|--json|" + lookup + codes, "A=").out, cells + "\n]\n");
+  }
+  Expect(Cadrova("matrix|region|int|nope|--csv|--regions||--carriers|"),
+         "region,carrier,value,map\n\"\",\"\",0,\n", "cadrova: no map contains nope as int\n", 1);
+  const std::string page = TemporaryFile("page.html", "");
+  ExpectEach({{"matrix|--html|" + page, ""}});
+  EXPECT_NE(Contents(page).find("<h2>a.b.c <small>int</small></h2>"), std::string::npos);
+}
+
+TEST(Explain, IsColoredOnlyOnATerminal) {
+  for (const std::string setting : {"A=", "NO_COLOR=", "NO_COLOR=1"}) {
+    const int terminal = posix_openpt(O_RDWR | O_NOCTTY);
+    ASSERT_EQ(grantpt(terminal) + unlockpt(terminal), 0);
+    Cadrova("explain|default|int|camera.max_zoom", setting, ptsname(terminal));
+    const std::string screen = ReadAll(terminal);
+    EXPECT_EQ(screen.find("\x1B[32m> DEFAULT") != std::string::npos, setting != "NO_COLOR=1")
+        << screen;
+  }
+}
+
+// No file that is opened may take the number of a closed stream.
+TEST(Command, WorksWithClosedStandardStreams) {
+  const std::string script = R"("$@" >&- 2>"$0"; echo $?; "$@" 2>&- <&-; echo $?)";
+  const std::string error = TemporaryFile("error", "");
+  const Words command = {"get", "region", "int", "int", "--data", kData};
+  Words words = {"sh", "-c", script, error, CADROVA_COMMAND};
+  words.insert(words.end(), command.begin(), command.end());
+  Expect(RunProgram(words), "2\n-2147483648\n0\n", "");
+  EXPECT_EQ(Contents(error),
+            "cadrova: can't capture what the library prints: Bad file descriptor\n");
+}
+
 TEST(Command, RefusesWithOneLineThatSaysWhy) {
-  const std::string mistaken = TemporaryFile("bad.toml", "[DEFAULT]\nx = 2026-11-24\n");
+  const std::string bad = TemporaryFile("bad.toml", "[DEFAULT]\nx = 2026-11-24\n");
   const std::string not_utf8 = TemporaryFile("latin.toml", "[DEFAULT]\nx = \"\xE9\"\n");
   const std::string huge = TemporaryFile("huge", "");
   std::filesystem::resize_file(huge, (1U << 30) + 1);
@@ -222,52 +406,50 @@ TEST(Command, RefusesWithOneLineThatSaysWhy) {
     const char* out_file = "";
   } cases[] = {
       // clang-format off
-      {"nope", "cadrova: 'nope' is no command; use one of: explain, get, list, matrix, diff, check, trace, help\n"},
-      {"", "cadrova: '' is no command"}, {"help|nope", "'nope' is no command"},
-      {"--nope", "--nope; what is no option stands behind --; see cadrova --help\n"},
+      {"nope", "cadrova: unknown command 'nope'; use one of: explain, get, list, matrix, diff, check, trace, help\n"},
+      {"", "cadrova: unknown command ''"}, {"help|nope", "unknown command 'nope'"},
+      {"--nope", "--nope; put arguments that start with \"-\" after \"--\"; see cadrova --help\n"},
       {"get|default|int", "KEY is required; see cadrova get --help\n"},
-      {"get|defalt|int|k",
-       "'defalt' is no family; use one of: default, region, carrier, carrier-region, sim\n"},
-      {"get|sim|integer|k",
-       "use one of: bool, int, float, string, string-array, int-array, map-array\n"},
-      {int_k + "|12abc", "default '12abc' is no int; use decimal digits\n"},
-      {int_k + "|", "default '' is no int"},
+      {"get|defalt|int|k", "unknown family 'defalt'; use one of: default, region, carrier, carrier-region, sim\n"},
+      {"get|sim|integer|k", "unknown kind 'integer'; use one of: bool, int, float, string, string-array, int-array, map-array\n"},
+      {int_k + "|12abc", "default '12abc' is not an int; use decimal digits\n"},
+      {int_k + "|", "default '' is not an int"},
       {int_k + "|3000000000", "default '3000000000' is out of the range of a 32-bit int\n"},
-      {"get|default|bool|k|1", "default '1' is no bool; use true or false\n"},
-      {"get|default|float|k|1x", "default '1x' is no float; write it like 0.5 or 1e3\n"},
-      {"get|default|float|k| 1", "default ' 1' is no float"},
-      {"get|default|float|k|", "default '' is no float"},
+      {"get|default|bool|k|1", "default '1' is not a bool; use true or false\n"},
+      {"get|default|float|k|1x", "default '1x' is not a float; write it like 0.5 or 1e3\n"},
+      {"get|default|float|k| 1", "default ' 1' is not a float"},
+      {"get|default|float|k|", "default '' is not a float"},
       {"get|default|float|k|1e39", "default '1e39' is out of the range of a 32-bit float\n"},
-      {"get|sim|int-array|k|x", "'x' is refused: list kinds have none, a missing list is empty\n"},
-      {int_k + "|1|-2", "not expected: -2; what is no option stands behind --; see cadrova get --help\n"},
-      {int_k + "|--jsn", "not expected: --jsn"}, {int_k + "|a\nb", "default 'a?b' is no int"},
-      {"get|default|string|-k|fallback", "not expected: -k"},
+      {"get|sim|int-array|k|x", "default 'x' is refused: list kinds take no default; a missing list is empty\n"},
+      {int_k + "|1|-2", "not expected: -2; put arguments that start with \"-\" after \"--\"; see cadrova get --help\n"},
+      {int_k + "|--jsn", "not expected: --jsn"}, {int_k + "|a\nb", "default 'a?b' is not an int"},
       {region_k + "|--region|--carrier|X1", "--region: '--carrier' is an option; see"},
       {"get|sim|int|k|1|--sim|a=b|z=y", "not expected: z=y"},
-      {"explain|sim|int|k|--json|--steps", "--json and --steps exclude each other\n"},
+      {"explain|sim|int|k|--json|--steps", "--json and --steps can't be combined\n"},
+      {"matrix", "cadrova: give FAMILY, KIND and KEY; or none of them, with --html\n"},
+      {"matrix|region|int|--html|page", "cadrova: give FAMILY, KIND and KEY"},
+      {"matrix|region|int|k|--json|--csv", "--json, --csv and --html can't be combined\n"},
+      {"matrix|region|int|k|--html|/nowhere/page", "cadrova: --html /nowhere/page: No such file or directory\n"},
+      {"check|/nowhere", "/nowhere: can't be read: No such file or directory\n"},
+      {"diff|/nowhere|" + kData, "/nowhere: can't be read: No such file or directory\n"},
       {"trace|--steps", "PROGRAM is required; see cadrova trace --help\n"},
-      {"trace|--steps|--summary|--|true", "--steps and --summary exclude each other\n"},
+      {"trace|--steps|--summary|--|true", "--steps and --summary can't be combined\n"},
       {"trace|-o|/nowhere/x|true", "cadrova: -o /nowhere/x: No such file or directory\n"},
-      {"get|default|float|k|inf|--json", "JSON has no inf; ask without --json\n"},
-      {"get|default|float|k|nan|--json", "JSON has no nan; ask without --json\n"},
-      {"get|default|string|k|\xE9|--json",
-       "JSON can't carry what is not UTF-8; ask without --json\n"},
-      {"get|sim|float|k", "the sim family has no float: SIM data holds none; ask carrier-region\n"},
-      {"get|sim|string|k|x",
-       "the sim family takes no default for a string: a missing one is empty\n"},
-      {"get|sim|int|k|--sim|x", "--sim 'x' is no KEY=VALUE\n"},
-      {int_k + "|--data|", "cadrova: '' names no file\n"},
+      {"get|default|string|k|\xE9|--json", "JSON can't contain text that is not UTF-8; use the command without --json\n"},
+      {"get|sim|float|k", "the sim family has no float lookup; use carrier-region\n"},
+      {"get|sim|string|k|x", "the sim family takes no default for a string; a missing one is empty\n"},
+      {"get|sim|int|k|--sim|x", "--sim: 'x' is not KEY=VALUE\n"},
+      {int_k + "|--data|", "cadrova: the name of the customization file is empty\n"},
       {int_k + "|--data|a\nb", "a?b: can't be read: No such file or directory\n"},
       {int_k + "|--data|/tmp", "/tmp: can't be read: Is a directory\n"},
       {int_k + "|--data|/proc/self/mem", "/proc/self/mem: can't be read: Input/output error\n"},
       {int_k + "|--data|" + huge, huge + ": can't be read: it is larger than 1 GiB\n"},
-      {int_k + "|--data|" + mistaken, mistaken + ":2:5: a date"},
+      {int_k + "|--data|" + bad, bad + ":2:5: a date"},
       {int_k + "|--data|" + not_utf8, not_utf8 + ":2:5: "},
       {int_k + "|1", "cadrova: can't write to standard output: No space left on device\n", "A=", "/dev/full"},
       {"--version", "can't write to standard output", "A=", "/dev/full"},
       {"get|--help", "can't write to standard output", "A=", "/dev/full"},
-      {region_k, "/tmp: can't be read: Is a directory; name another with CADROVA_HOST_PROPS\n",
-       store + "/tmp"},
+      {region_k, "/tmp: can't be read: Is a directory; name another file with CADROVA_HOST_PROPS\n", store + "/tmp"},
       // clang-format on
   };
   const auto expect_refusal = [](const Outcome& outcome, const std::string& what) {
@@ -282,51 +464,40 @@ TEST(Command, RefusesWithOneLineThatSaysWhy) {
   for (const std::string line :
        {"no equals sign", "=b", "a b=c", "[a]: [b", "[a]=b", "[]: [b]", "a=b\rc=d", "a\x7F=b"}) {
     const std::string file = TemporaryFile("properties", "a=b\n" + line + "\n");
-    std::string quoted = line;
-    std::ranges::replace_if(quoted, [](char byte) { return byte == '\r' || byte == '\x7F'; }, '?');
+    const std::string quoted = std::regex_replace(line, std::regex("[\r\x7F]"), "?");
     expect_refusal(Cadrova(region_k, store + file),
                    file + ":2: not a key=value line: " + quoted + '\n');
   }
 }
 
-// The words in `text` that name a command or a long option.
-std::set<std::string> CommandsAndOptions(const std::string& text) {
-  std::set<std::string> words;
-  const std::regex word(
-      "(^|[^a-z-])(--[a-z]+|explain|get|list|matrix|diff|check|trace|help)(?![a-z-])");
-  for (std::sregex_iterator found(text.begin(), text.end(), word), end; found != end; ++found) {
-    words.insert((*found)[2]);
+// The manual and the completions mention the options, commands, families and kinds of the program,
+// and no others.
+TEST(Help, AgreesWithTheManualAndTheCompletions) {
+  std::string names = KindNames() + ", " + FamilyNames(), helps = Cadrova("--help").out;
+  for (const CommandInfo& command : Commands()) {
+    names += std::string(", ") + command.name;
+    const Outcome help = Cadrova(command.name + std::string("|--help"));
+    Expect(Cadrova(std::string("help|") + command.name), help.out, "");
+    EXPECT_EQ(help.out.find("\n\n\n"), std::string::npos);
+    EXPECT_FALSE(help.out.ends_with("\n\n"));
+    helps += help.out;
   }
-  return words;
-}
-
-TEST(Command, HelpsAsTheReadmeTheManualAndTheShellsDo) {
-  const std::string sources = CADROVA_SOURCES, readme = Contents(sources + "/README.md");
-  std::string all;
-  for (const std::string command :
-       {"", "explain", "get", "list", "matrix", "diff", "check", "trace", "help"}) {
-    const auto [out, err, status] = Cadrova(command.empty() ? "--help" : command + "|--help");
-    if (command != "help") {
-      const std::string help = "--help\n" + out.substr(0, out.find_last_not_of('\n') + 1) + "\n```";
-      EXPECT_NE(readme.find(help), std::string::npos) << help;
-    }
-    Expect(Cadrova(command.empty() ? "help" : "help|" + command), out, "");
-    all += out;
-  }
-  for (const std::string file : {"cadrova.1", "completion.bash", "_cadrova"}) {
-    const std::string text = Contents(sources + "/tools/cadrova/share/" + file);
-    const std::string plain = std::regex_replace(text, std::regex("\\\\-"), "-");
-    EXPECT_EQ(CommandsAndOptions(plain), CommandsAndOptions(all)) << file;
-  }
-  const Outcome explained = Cadrova("explain|sim|int|calling.ring_seconds|--region|EU|--carrier|X1",
-                                    "CADROVA_HOST_DATA=");
-  const std::regex place("\ndata         .*/share");
-  const std::string first = std::regex_replace(explained.out, place, "\ndata         [...]/share");
-  const std::string grid = Cadrova("matrix|carrier-region|int|calling.ring_seconds", "A=").out;
-  for (const std::string& shown : {first, grid}) {
-    EXPECT_NE(readme.find(shown), std::string::npos) << shown;
-  }
+  Expect(Cadrova("help"), Cadrova("--help").out, "");
   Expect(Cadrova("--version"), CADROVA_VERSION "\n", "");
+  const std::string word = std::regex_replace(names, std::regex(", "), "|");
+  const std::regex mention("(^|[^a-z-])(--[a-z]+|" + word + ")(?![a-z-])");
+  const auto mentions = [&](const std::string& text) {
+    std::set<std::string> words;
+    for (std::sregex_iterator found(text.begin(), text.end(), mention), end; found != end; ++found) {
+      words.insert((*found)[2]);
+    }
+    return Join(words);
+  };
+  for (const std::string file : {"cadrova.1", "completion.bash", "_cadrova"}) {
+    const std::string text = Contents(CADROVA_SOURCES "/tools/cadrova/share/" + file);
+    const std::string plain = std::regex_replace(text, std::regex("\\\\-"), "-");
+    EXPECT_EQ(mentions(plain), mentions(helps)) << file;
+  }
 }
 
 }  // namespace

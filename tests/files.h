@@ -1,6 +1,8 @@
 // Files of a test program. They are in a folder of this process, which is removed at exit.
 #pragma once
 
+#include <unistd.h>
+
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -26,6 +28,19 @@ inline std::string TemporaryFile(const std::string& name, const std::string& con
 inline std::string Contents(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+// What has been written to the terminal behind `pseudoterminal` until nobody has it open any more.
+inline std::string ReadAll(int pseudoterminal) {
+  std::string text;
+  char buffer[4096];
+  while (true) {
+    const ssize_t size = read(pseudoterminal, buffer, sizeof buffer);
+    if (size <= 0) break;
+    text.append(buffer, static_cast<std::size_t>(size));
+  }
+  close(pseudoterminal);
+  return text;
 }
 
 // An item of each kind. The blocks of the arrays have sizes that malloc does not round up, so that
