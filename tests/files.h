@@ -25,7 +25,7 @@ inline std::string TemporaryFile(const std::string& name, const std::string& con
   return path;
 }
 
-inline std::string Contents(const std::string& path) {
+inline std::string FileContents(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }

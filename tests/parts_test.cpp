@@ -32,7 +32,8 @@ using Names = std::vector<std::string>;
 // The results of one feature on every device of `fleet`, over the data in `toml`.
 struct Matrix {
   Matrix(const std::string& toml, Fleet devices, const std::string& family, Kind kind)
-      : fleet(std::move(devices)), chains((Load(toml), FindFamily(family)), fleet),
+      : fleet(std::move(devices)),
+        chains((Load(toml), FindFamily(family)), fleet),
         results(chains.Collect(kind, "k")) {}
 
   static void Load(const std::string& toml) {
@@ -57,15 +58,14 @@ TEST(Fleet, IsDerivedFromTheNamesOfMaps) {
   } cases[] = {
       {{"DEFAULT", "SIM_DEFAULT"}, {""}, {""}},
       {{"US", "EU", "SIM_X1", "COTA_N7"}, {"", "EU", "US"}, {"", "N7", "X1"}},
-      {{"EU", "COTA_A_B_EU"}, {"", "EU"}, {"", "A_B"}},      // the region is known
-      {{"COTA_X1_JP", "COTA_X1"}, {"", "JP"}, {"", "X1"}},   // the carrier is known
-      {{"COTA_A_B"}, {""}, {"", "A_B"}},                     // neither is known
+      {{"EU", "COTA_A_B_EU"}, {"", "EU"}, {"", "A_B"}},     // the region is known
+      {{"COTA_X1_JP", "COTA_X1"}, {"", "JP"}, {"", "X1"}},  // the carrier is known
+      {{"COTA_A_B"}, {""}, {"", "A_B"}},                    // neither is known
       {{"COTA_X1_EU_EU", "EU", "EU_EU"}, {"", "EU", "EU_EU"}, {"", "X1"}},
   };
   for (const auto& [maps, regions, carriers] : cases) {
     const Fleet fleet = FleetOf(maps);
-    EXPECT_EQ(std::pair(fleet.regions, fleet.carriers), std::pair(regions, carriers))
-        << Join(maps);
+    EXPECT_EQ(std::pair(fleet.regions, fleet.carriers), std::pair(regions, carriers)) << Join(maps);
   }
 }
 
@@ -75,9 +75,15 @@ TEST(Suggestions, AreSimilarNamesWithTheBestFirst) {
     Names candidates, suggested;  // by Suggest
     Names indexed;                // by SuggestionIndex
   } cases[] = {
-      {"ring.secnods", {"ring.sceonds", "ring.seconds"}, {"ring.seconds"}, {"ring.seconds"}},
-      {"ring", {"rnig", "RING", "bring", "tone"}, {"RING", "bring", "rnig"}, {"RING", "bring", "rnig"}},
-      {"COTA_EU_X1", {"COTA_X1_EU", "COTA_EU_X"}, {"COTA_X1_EU", "COTA_EU_X"}, {"COTA_X1_EU", "COTA_EU_X"}},
+      {"ring.secnods", {"ring.sceonds", "ring.seconds"}, {"ring.seconds", "ring.sceonds"}, {"ring.seconds"}},
+      {"ring",
+       {"rnig", "RING", "bring", "tone"},
+       {"RING", "bring", "rnig"},
+       {"RING", "bring", "rnig"}},
+      {"COTA_EU_X1",
+       {"COTA_X1_EU", "COTA_EU_X"},
+       {"COTA_X1_EU", "COTA_EU_X"},
+       {"COTA_X1_EU", "COTA_EU_X"}},
       {"seconds", {"ring.seconds"}, {"ring.seconds"}, {"ring.seconds"}},
       {"ab", {"ac", "a b", "AB"}, {"AB"}, {"AB"}},
       {"band.12", {"band.11", "Band.12"}, {"Band.12", "band.11"}, {"Band.12"}},
@@ -102,7 +108,8 @@ TEST(Table, CountsCharactersAndNotBytes) {
 }
 
 TEST(Matrix, MergesEqualRowsAndColumnsAndListsLongValuesBelow) {
-  const std::string maps = "[DEFAULT]\nk = ['é23456789012']\n[COTA_X1_EU]\nk = ['12345678901234']\n";
+  const std::string maps =
+      "[DEFAULT]\nk = ['é23456789012']\n[COTA_X1_EU]\nk = ['12345678901234']\n";
   const Fleet fleet = {{"", "EU", "JP"}, {"", "N7", "X1"}};
   EXPECT_EQ(Matrix(maps, fleet, "carrier-region", Kind::kStringArray).ToText(),
             R"(        carrier
@@ -150,7 +157,8 @@ TEST(Matrix, ListsExceptionsOfSingleDevicesIfTheTableWouldBeTooLarge) {
   const Fleet fleet = {Codes("R", 10, 39), Codes("C", 10, 39)};
   EXPECT_EQ(Matrix(maps, fleet, "carrier-region", Kind::kInt).ToText(),
             "              carrier\nregion        every carrier\nevery region  0 DEFAULT\n\n"
-            "region  carrier  exception\n" + exceptions);
+            "region  carrier  exception\n" +
+                exceptions);
 }
 
 // A region may be called like a map with SIM data, which other tests of the core are for.
@@ -221,7 +229,7 @@ k = 15
   }
   const std::string golden = CADROVA_SOURCES "/tests/golden/report.html";
   if (std::getenv("CADROVA_UPDATE_GOLDEN") != nullptr) std::ofstream(golden) << report.ToHtml();
-  EXPECT_EQ(report.ToHtml(), Contents(golden)) << "if it is right, set CADROVA_UPDATE_GOLDEN=1";
+  EXPECT_EQ(report.ToHtml(), FileContents(golden)) << "if it is right, set CADROVA_UPDATE_GOLDEN=1";
 }
 
 TEST(Progress, IsShownOnATerminalWhenWorkHasTakenHalfASecond) {

@@ -42,7 +42,7 @@ inline Outcome RunProgram(const Words& words, const Words& settings = {}, std::s
   }
   int status = -1;
   EXPECT_EQ(waitpid(child, &status, 0), child);
-  return {reads_out ? Contents(out) : "", reads_err ? Contents(err) : "",
+  return {reads_out ? FileContents(out) : "", reads_err ? FileContents(err) : "",
           WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status)};
 }
 

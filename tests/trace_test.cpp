@@ -121,14 +121,14 @@ lookups  default  key   kind  from maps  last value
     EXPECT_EQ(std::pair(traced.out, traced.status), std::pair(alone.out, status));
     EXPECT_EQ(alone.status, status);
   }
-  EXPECT_EQ(Contents(another), "");
+  EXPECT_EQ(FileContents(another), "");
 }
 
 TEST(Trace, NeitherTearsNorLosesALineOfAnyThread) {
   const std::string file = TemporaryFile("trace", "to be emptied");
   Expect(RunProgram(Traced({"-o", file}, {TRACED, "has-threads"}), kSettings), "", "", 3);
   std::map<std::string, int> lines;
-  std::istringstream rest(Lettered(Contents(file)));
+  std::istringstream rest(Lettered(FileContents(file)));
   for (std::string line; std::getline(rest, line);) ++lines[line];
   EXPECT_EQ(lines.size(), 500U);
   for (int call = 0; call < 500; ++call) {
@@ -156,7 +156,7 @@ TEST(Trace, TroublesNoProgramWhereItsLinesCannotGo) {
   for (const auto& [what, script, to, err] : cases) {
     const Words program = Traced({"-o", to}, {TRACED, what});
     Expect(RunProgram(Words{"sh", "-c", script, status} + program, kSettings), "", err);
-    EXPECT_EQ(Contents(status), "3\n");
+    EXPECT_EQ(FileContents(status), "3\n");
   }
   const Words piped = Traced({"-o", file + ".pipe"}, {TRACED, "forks"});
   const std::string script = R"(ulimit -n 64; mkfifo "$0"; "$@" & timeout 60 wc -l <"$0")";

@@ -73,9 +73,11 @@ Fleet FleetOptions::ToFleet(const std::vector<std::string>& map_names) const {
 }
 
 void RefuseCombination(const std::vector<std::pair<std::string, bool>>& options) {
-  if (std::ranges::count(options, true, &std::pair<std::string, bool>::second) <= 1) return;
-  throw Failure(Join(options, " and ", &std::pair<std::string, bool>::first) +
-                " can't be combined");
+  std::vector<std::string> given;
+  for (const auto& [name, is_given] : options) {
+    if (is_given) given.push_back(name);
+  }
+  if (given.size() > 1) throw Failure(Join(given, " and ") + " can't be combined");
 }
 
 }  // namespace cadrova::tools

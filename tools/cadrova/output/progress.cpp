@@ -17,11 +17,13 @@ long Milliseconds() {
 
 }  // namespace
 
-Progress::Progress(std::string work) : work_(std::move(work)), next_(Milliseconds() + 500) {}
+Progress::Progress(std::string work)
+    : work_(std::move(work)),
+      is_wanted_(isatty(STDERR_FILENO) != 0),
+      next_(Milliseconds() + 500) {}
 
 void Progress::Show(std::size_t done, std::size_t all) {
-  static const bool is_wanted = isatty(STDERR_FILENO) != 0;
-  if (!is_wanted || Milliseconds() < next_) return;
+  if (!is_wanted_ || Milliseconds() < next_) return;
   next_ = Milliseconds() + 100;
   is_shown_ = true;
   std::fprintf(stderr, "\rcadrova: %s: %zu %%\x1B[K", work_.c_str(), 100 * done / all);

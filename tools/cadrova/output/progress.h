@@ -17,6 +17,7 @@ class Progress {
 
  private:
   std::string work_;
+  bool is_wanted_;
   long next_;  // when it is shown next, in milliseconds
   bool is_shown_ = false;
 };
