@@ -247,14 +247,15 @@ TEST(Lookup, FollowsTheTranscript) {
   const string region = "REGION" + kTail, carrier = "CARRIER" + kTail, key = "KEY" + kTail;
   device = {{{"ro.orvel.region", region}, {"persist.sys.cota.carrier", carrier}}, {{region, 1}}};
   const PointerBlock list = {kText.c_str(), "b", nullptr};
-  device.readings = {1, kText, list, 1, 2, kText, kOther, list, 1, 2, kText, kOther, list, 1, 2};
+  device.readings = {1, kText, list,  1,      2,    kText, kOther, IntBlock{3, 1, 2, 3},
+                     1, 2,     kText, kOther, list, 1,     2};
   const Log log = Record([&] {
     getCustIntFeature(key, 7);
     getCustStringFeature(key, kOther);
     getCustStringArrayFeature(key);
     getRegionCustIntFeature(key, 7);
     getCotaCustStringFeature(key, kOther);
-    getCotaCustStringArrayFeature(key);
+    getCotaCustIntArrayFeature(key);
     getCotaRegionCustIntFeature(key, 7);
     getCotaRegionCustStringFeature(key, "d");
     getCotaRegionCustMapArrayFeature(key);
@@ -281,12 +282,10 @@ print getCotaCustStringFeature do not exist with the carrier : TEXT~ \n
 4 get_str_from_map(DEFAULT, KEY~, OTHER~)
 1 free OTHER~
 2 GetProperty(persist.sys.cota.carrier, )
-3 get_str_arr_item_exist(COTA_CARRIER~, KEY~)
-print getCotaCustStringArrayFeature do not exist with the carrier ! \n
-2 get_str_arr_from_map(DEFAULT, KEY~)
-2 free TEXT~
-1 free b
-0 free array
+3 get_int_arr_item_exist(COTA_CARRIER~, KEY~)
+print getCotaCustIntArrayFeature do not exist with the carrier ! \n
+2 get_int_arr_from_map(DEFAULT, KEY~)
+3 free array
 1 GetProperty(ro.orvel.region, )
 1 GetProperty(persist.sys.cota.carrier, )
 5 get_int_item_exist(COTA_CARRIER~_REGION~, KEY~)
