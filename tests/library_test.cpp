@@ -1,6 +1,6 @@
-// The library over a recording device. Transcripts show every step of three lookups per family: of
-// a number, a string and a list. A walk along every path covers what they leave out: all kinds,
-// texts and positions in the chain, and unusual codes and answers.
+// The library over a recording device. A transcript shows every step of lookups of each family. A
+// walk along every path covers the rest: all kinds, texts and positions in the chain, and unusual
+// codes and answers.
 
 #include <gtest/gtest.h>
 
@@ -154,23 +154,20 @@ std::vector<Chain> ChainsOf(const string& region, const string& carrier) {
   // clang-format on
 }
 
-// The calls and lines of a lookup if the map at `place` of its chain is the first that contains the
-// item, or if none does.
-Log ExpectedCalls(const std::vector<Chain>& chains, int family, Kind kind, std::size_t place,
-                  const string& key, const string& recorded_default) {
+// Adds the calls and lines of a lookup if the map at `place` of its chain is the first that
+// contains the item, or if none does.
+void AddCalls(Log& calls, const std::vector<Chain>& chains, Family family, Kind kind,
+              std::size_t place, const string& key, const string& recorded_default) {
   const auto& [word, properties, maps, words] = chains[family];
   const string& core_name = kKinds[kind].name_in_core;
-  Log calls;
   for (const string& property : properties) calls.push_back(Call("GetProperty", {property, ""}));
   for (std::size_t i = 0; i < maps.size() && i <= place; ++i) {
     const string test = (family == kSim ? "sim_get_" : "get_") + core_name + "_item_exist";
     calls.push_back(Call(test, {maps[i], key}));
   }
   if (family == kSim && place >= maps.size()) {
-    const Log rest =
-        ExpectedCalls(chains, kCarrierAndRegion, kind, place - maps.size(), key, recorded_default);
-    calls.insert(calls.end(), rest.begin(), rest.end());
-    return calls;
+    return AddCalls(calls, chains, kCarrierAndRegion, kind, place - maps.size(), key,
+                    recorded_default);
   }
   Log arguments = {place < maps.size() ? maps[place] : "DEFAULT", key};
   if (kind <= kString) arguments.push_back(recorded_default);
@@ -184,7 +181,6 @@ Log ExpectedCalls(const std::vector<Chain>& chains, int family, Kind kind, std::
     calls.push_back("print " + name + "Feature" + words[place] + kKinds[kind].line_end);
   }
   calls.push_back(read);
-  return calls;
 }
 
 // Makes the map at `place` the first that contains the item. The maps before it answer with an even
@@ -220,7 +216,9 @@ void WalkEveryPath(Family family, Result (*lookup)(string, Default...)) {
       std::erase_if(events, [](const string& event) { return event.starts_with("free "); });
       events.pop_back();  // "end"
       const string recorded_default = sizeof...(Default) > 0 ? kKinds[kind].recorded_default : "";
-      ExpectLog(events, ExpectedCalls(chains, family, kind, place, key, recorded_default));
+      Log expected;
+      AddCalls(expected, chains, family, kind, place, key, recorded_default);
+      ExpectLog(events, expected);
       EXPECT_EQ(value, kKinds[kind].value);
       if (testing::Test::HasFailure()) return;
     }
