@@ -1,5 +1,5 @@
-// A device that answers at once, so that what is measured is the library: the store holds two
-// codes, and the core says whether the first map or only the last one has the item.
+// A device that answers at once, so that the benchmarks measure the library. The property store has
+// two codes. Either all maps contain the item, or none does.
 
 #include "device.h"
 
@@ -23,15 +23,17 @@ std::string android::base::GetProperty(const std::string& key, const std::string
 extern "C" {
 
 cadrova_core_bool get_bool_from_map(const std::string&, const std::string&,
-                                    cadrova_core_bool given) {
-  return given;
+                                    cadrova_core_bool default_value) {
+  return default_value;
 }
-std::int32_t get_int_from_map(const std::string&, const std::string&, std::int32_t given) {
-  return given;
+std::int32_t get_int_from_map(const std::string&, const std::string&, std::int32_t default_value) {
+  return default_value;
 }
-float get_float_from_map(const std::string&, const std::string&, float given) { return given; }
-char* get_str_from_map(const std::string&, const std::string&, const std::string& given) {
-  return strdup(given.c_str());
+float get_float_from_map(const std::string&, const std::string&, float default_value) {
+  return default_value;
+}
+char* get_str_from_map(const std::string&, const std::string&, const std::string& default_value) {
+  return strdup(default_value.c_str());
 }
 
 char** get_str_arr_from_map(const std::string&, const std::string&) {
@@ -41,12 +43,12 @@ char** get_str_arr_from_map(const std::string&, const std::string&) {
   return block;
 }
 
-// No case asks for these.
+// No case calls these.
 std::int32_t* get_int_arr_from_map(const std::string&, const std::string&) { return nullptr; }
 char** get_map_arr_from_map(const std::string&, const std::string&) { return nullptr; }
 
 #define EXISTENCE_TEST(name, Value) \
-  cadrova_core_bool name(const std::string&, const std::string&) { return device.first_has_it; }
+  cadrova_core_bool name(const std::string&, const std::string&) { return device.contains_item; }
 CADROVA_EXISTENCE_TESTS(EXISTENCE_TEST, EXISTENCE_TEST)
 
 void cxx_sim_set_the_cadrova(const std::string&, const std::string&, const std::string&) {}

@@ -1,4 +1,4 @@
-// What the device of the benchmarks holds.
+// The device of the benchmarks.
 #pragma once
 
 #include <string>
@@ -8,8 +8,8 @@ namespace bench {
 extern struct Device {
   std::string region;
   std::string carrier;
-  std::string element;  // of lists
-  bool first_has_it = true;
+  std::string element;        // each element of a list
+  bool contains_item = true;  // what every existence test answers
 } device;
 
 }  // namespace bench

@@ -1,11 +1,12 @@
-// Runs one case many times, for callgrind to count, and prints its heap allocations a call to
-// standard error. Linked once with the library and once with the floor.
+// Runs one case many times, so that callgrind can count its instructions. Prints the heap
+// allocations per call to standard error. Linked once with the library and once with the floor.
 //
-//   driver --list        the cases
-//   driver CASE CALLS    its lines go to standard output
+//   driver --list        prints the cases
+//   driver CASE CALLS    the lookups print their lines to standard output
 //
-// A case is FAMILY/KIND/PATH/LENGTH: the item is found in the family's first map or only in its
-// last; key, codes and texts fit the short-string buffer or don't.
+// A case is FAMILY/KIND/PATH/LENGTH. With PATH "first", the first map of the chain contains the
+// item; with "last", no map does and "DEFAULT" is read. With LENGTH "short", key, codes and texts
+// fit the short-string buffer; with "long", they don't.
 
 #include <cstdio>
 #include <cstdlib>
@@ -61,7 +62,7 @@ int main(int argc, char** argv) {
       bench::device = {.region = is_long ? "REGION_BEYOND_THE_SHORT_STRING_BUFFER" : "EU",
                        .carrier = is_long ? "CARRIER_BEYOND_THE_SHORT_STRING_BUFFER" : "X1",
                        .element = text,
-                       .first_has_it = name.ends_with("/first")};
+                       .contains_item = name.ends_with("/first")};
       std::size_t before = 0;
       for (long calls = std::atol(argv[2]); calls > 0; --calls) {
         before = allocations;
@@ -72,6 +73,6 @@ int main(int argc, char** argv) {
     }
   }
   if (wanted == "--list") return 0;
-  std::fprintf(stderr, "%s: use --list, or CASE CALLS with a case of that list\n", argv[0]);
+  std::fprintf(stderr, "usage: %s --list | CASE CALLS, with a case that --list prints\n", argv[0]);
   return 2;
 }

@@ -1,10 +1,8 @@
-// What every device of a made fleet is answered, as a program writes it that asks GLib's GKeyFile
-// for one device after the other.
+// Prints the same as `cadrova matrix carrier-region int KEY --csv`, but reads the file with GLib's
+// GKeyFile, one device after the other.
 //
-//   grid KEY_FILE REGIONS CARRIERS KEY    so many of each, and the unset one; as scripts/make-fleet
-//                                         names them
-//
-// Prints what `cadrova matrix carrier-region int KEY --csv` does.
+//   grid KEY_FILE REGIONS CARRIERS KEY    REGIONS and CARRIERS are the numbers of codes that were
+//                                         given to scripts/make-fleet; the unset code is added
 
 #include <glib.h>
 
@@ -26,7 +24,7 @@ std::set<std::string> Codes(const std::string& front, int count) {
 int main(int argc, char** argv) {
   GKeyFile* const file = g_key_file_new();
   if (argc != 5 || !g_key_file_load_from_file(file, argv[1], G_KEY_FILE_NONE, nullptr)) {
-    std::fprintf(stderr, "grid: use KEY_FILE REGIONS CARRIERS KEY, with a file that can be read\n");
+    std::fprintf(stderr, "usage: grid KEY_FILE REGIONS CARRIERS KEY, with a readable file\n");
     return 2;
   }
   const char* const key = argv[4];

@@ -1,12 +1,13 @@
-// How the carrier-and-region int lookup over the stand-in core grows with the data, and what the
-// same question costs a program that answers it itself, with GLib's GKeyFile.
+// Measures how the time of the carrier-and-region int lookup over the fake core grows with the
+// data, and the time of the same lookup in a program that uses GLib's GKeyFile.
 //
-//   growth ITEMS KEY_FILE    the same items in the file that CADROVA_HOST_DATA names: item i is an
-//                            integer under "feature.i", dealt in turn to the default map, the
-//                            region's, the carrier's and that of both
+//   growth ITEMS KEY_FILE    KEY_FILE has the same items as the file that CADROVA_HOST_DATA names.
+//                            Item i is an integer under "feature.i". The items are spread over four
+//                            maps: DEFAULT, the region's, the carrier's, and the one of both.
 //
-// Prints three times a call to standard error, whose ratios are of use: ours and GKeyFile's for 64
-// features asked in turn, and ours for every item. Each is the median of five, taken in turn.
+// Prints three times per call to standard error: of the library for 64 keys in turn, of GKeyFile
+// for the same, and of the library for all keys in turn. Each is the median of five. Use their
+// ratios only.
 
 #include <android-base/properties.h>
 #include <glib.h>
@@ -25,7 +26,7 @@
 
 namespace {
 
-int AskKeyFile(GKeyFile* file, const std::string& key) {
+int LookUpInKeyFile(GKeyFile* file, const std::string& key) {
   const std::string region = android::base::GetProperty("ro.orvel.region", "");
   const std::string carrier = android::base::GetProperty("persist.sys.cota.carrier", "");
   const std::string in_carrier = "COTA_" + carrier;
@@ -48,16 +49,17 @@ int AskKeyFile(GKeyFile* file, const std::string& key) {
   return value;
 }
 
-// Nanoseconds a call where so many of the items are asked for in turn.
-double Measure(long items, long features, const std::function<int(const std::string& key)>& ask) {
+// Nanoseconds per call of `look_up`, for `features` of the keys in turn.
+double Measure(long items, long features,
+               const std::function<int(const std::string& key)>& look_up) {
   const long calls = std::max(300'000L, features);
   const auto start = std::chrono::steady_clock::now();
   long feature = 0;
   for (long call = 0; call < calls; ++call) {
-    feature = (feature + 611'953) % features;  // a prime, so that each has its turn
+    feature = (feature + 611'953) % features;  // a prime, so each key has its turn
     const long item = feature * (items / features);
-    if (ask("feature." + std::to_string(item)) != item) {
-      std::fprintf(stderr, "growth: wrong answer for item %ld\n", item);
+    if (look_up("feature." + std::to_string(item)) != item) {
+      std::fprintf(stderr, "growth: item %ld has another value\n", item);
       std::exit(1);
     }
   }
@@ -70,22 +72,22 @@ double Measure(long items, long features, const std::function<int(const std::str
 int main(int argc, char** argv) {
   GKeyFile* const file = g_key_file_new();
   if (argc != 3 || !g_key_file_load_from_file(file, argv[2], G_KEY_FILE_NONE, nullptr)) {
-    std::fprintf(stderr, "growth: use ITEMS KEY_FILE, with a file that can be read\n");
+    std::fprintf(stderr, "usage: growth ITEMS KEY_FILE, with a readable file\n");
     return 2;
   }
   android::base::SetProperty("ro.orvel.region", "EU");
   android::base::SetProperty("persist.sys.cota.carrier", "X1");
-  const auto ours = [](const std::string& key) {
+  const auto library = [](const std::string& key) {
     return android::getCotaRegionCustIntFeature(key, -1);
   };
-  const auto peer = [&](const std::string& key) { return AskKeyFile(file, key); };
+  const auto key_file = [&](const std::string& key) { return LookUpInKeyFile(file, key); };
   const long items = std::atol(argv[1]);
   const long few = std::min(items, 64L);
   std::array<std::array<double, 5>, 3> times;
   for (std::size_t round = 0; round < 5; ++round) {
-    times[0][round] = Measure(items, few, ours);
-    times[1][round] = Measure(items, few, peer);
-    times[2][round] = Measure(items, items, ours);
+    times[0][round] = Measure(items, few, library);
+    times[1][round] = Measure(items, few, key_file);
+    times[2][round] = Measure(items, items, library);
   }
   for (auto& rounds : times) {
     std::ranges::sort(rounds);

@@ -1,5 +1,5 @@
-// The floor: the exports that the benchmarks call, written straight down, one function at a time,
-// with no shared code and the same contract as the library: the same copies, calls and lines.
+// The floor: the functions that the benchmarks call, written out by hand. They share no code, and
+// make the same copies and calls and print the same lines as the library.
 
 #include <android-base/properties.h>
 

@@ -1,5 +1,5 @@
-// How many times as often two threads answer as one, asking the default-map int lookup over the
-// stand-in core: the median of five, to standard error.
+// Measures how the default-map int lookup over the fake core scales: prints the throughput of two
+// threads, divided by that of one, to standard error. It is the median of five.
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
-// The time of a SIM int lookup over the stand-in core, in nanoseconds, to standard error; for a
-// program to be traced.
+// A program to trace. Prints the time of a SIM int lookup over the fake core, in nanoseconds, to
+// standard error.
 //
-//   bench_traced CALLS    the lookups' lines go to standard output
+//   bench_traced CALLS    the lookups print their lines to standard output
 
 #include <chrono>
 #include <cstdio>
@@ -12,7 +12,7 @@
 int main(int argc, char** argv) {
   const long calls = argc == 2 ? std::atol(argv[1]) : 0;
   if (calls <= 0) {
-    std::fprintf(stderr, "%s: use CALLS, a number\n", argv[0]);
+    std::fprintf(stderr, "usage: %s CALLS, a positive number\n", argv[0]);
     return 2;
   }
   const auto start = std::chrono::steady_clock::now();

@@ -1,6 +1,7 @@
-// Arbitrary blocks of all four layouts through the typed bridge, against a plain model: the values
-// and their order, every block released exactly once and in order, pair strings never. Each block
-// is as short as its layout allows, so that the address sanitizer sees a read past its end.
+// Passes arbitrary blocks of all four layouts through the typed bridge. Compares the values and
+// their order with a simple model, and checks that each block is released exactly once and in
+// order, and the strings of pairs never. Each block is as short as its layout allows, so the
+// address sanitizer reports a read past its end.
 
 #include <fuzzer/FuzzedDataProvider.h>
 
@@ -18,12 +19,13 @@ namespace {
 
 void* next_block = nullptr;
 
-// Live blocks of the core's, and those that the library has released, in order.
+// The core's blocks, each true until it is released.
 std::map<void*, bool> live;
+// The blocks that the library released, in order.
 std::vector<void*> released;
 
-void Require(bool holds) {
-  if (!holds) std::abort();
+void Require(bool condition) {
+  if (!condition) std::abort();
 }
 
 template <class Element>
@@ -98,7 +100,7 @@ void FuzzPairArray(FuzzedDataProvider& data) {
     std::string value = add();
     model.emplace_back(std::move(key), std::move(value));
   }
-  if (data.ConsumeBool()) add();  // a key, whose value is the NULL
+  if (data.ConsumeBool()) add();  // a key whose value is NULL
   slots.push_back(nullptr);
   char** const block = Block<char*>(slots.size());
   std::memcpy(block, slots.data(), slots.size() * sizeof(char*));
@@ -128,15 +130,17 @@ void __wrap_free(void* block) {
   __real_free(block);
 }
 
-// The core; what is not fuzzed is there to be linked.
+// The core. The functions that are not fuzzed are only linked.
 cadrova_core_bool get_bool_from_map(const std::string&, const std::string&,
-                                    cadrova_core_bool given) {
-  return given;
+                                    cadrova_core_bool default_value) {
+  return default_value;
 }
-std::int32_t get_int_from_map(const std::string&, const std::string&, std::int32_t given) {
-  return given;
+std::int32_t get_int_from_map(const std::string&, const std::string&, std::int32_t default_value) {
+  return default_value;
 }
-float get_float_from_map(const std::string&, const std::string&, float given) { return given; }
+float get_float_from_map(const std::string&, const std::string&, float default_value) {
+  return default_value;
+}
 char* get_str_from_map(const std::string&, const std::string&, const std::string&) {
   return static_cast<char*>(next_block);
 }

@@ -19,68 +19,74 @@ Device device;
 
 namespace {
 
-Log events;
-std::vector<const void*> allocated;  // by the library since the recording began, in order
-std::vector<const void*> lent;       // the private copies of the last call that are still there
-bool watching_heap = false;
+Log log;
+std::vector<const void*> allocated;       // by the library since the previous line
+std::vector<const void*> private_copies;  // of the last call, until they are destroyed
+bool is_recording_heap = false;
 
-// Keeps the recorder's own heap traffic out of the recording.
-struct Aside {
-  const bool was_watching = std::exchange(watching_heap, false);
-  ~Aside() { watching_heap = was_watching; }
+// Keeps the heap traffic of the test itself out of the log.
+struct HeapPause {
+  const bool was_recording = std::exchange(is_recording_heap, false);
+  ~HeapPause() { is_recording_heap = was_recording; }
 };
 
-// What is in the memory stream that takes the place of standard output, as of its last flush.
+// The memory stream that replaces standard output, as of its last flush.
 char* output = nullptr;
 std::size_t output_size = 0;
-std::size_t output_seen = 0;
+std::size_t recorded_output_size = 0;
 
-void NoteOutput() {
-  const bool was_flushed = output_size > output_seen;
+void AddLine(const std::string& event) {
+  log.push_back(std::to_string(std::exchange(allocated, {}).size()) + ' ' + event);
+}
+
+void RecordOutput() {
+  const bool was_flushed = output_size > recorded_output_size;
   std::fflush(stdout);
-  if (output_size > output_seen) {
-    events.push_back("print " + std::string(output + output_seen, output_size - output_seen));
-  }
-  if (was_flushed) events.emplace_back("flush");
-  output_seen = output_size;
+  std::string text(output + recorded_output_size, output_size - recorded_output_size);
+  recorded_output_size = output_size;
+  if (text.empty()) return;
+  for (std::size_t i = 0; (i = text.find('\n', i)) != std::string::npos;) text.replace(i, 1, "\\n");
+  log.push_back("print " + text);
+  if (was_flushed) log.emplace_back("flush");
 }
 
-void NoteCopiesLeft() {
-  if (!std::exchange(lent, {}).empty()) events.emplace_back("copies outlive their call");
+void RecordOutlivingCopies() {
+  if (!std::exchange(private_copies, {}).empty()) log.emplace_back("copies outlive their call");
 }
 
-void Happened(const std::string& event) {
-  NoteOutput();
-  NoteCopiesLeft();
-  events.push_back(event);
+void RecordEvent(const std::string& event) {
+  RecordOutput();
+  RecordOutlivingCopies();
+  AddLine(event);
 }
 
 template <class... Number>
-void Asked(const char* function, std::initializer_list<const std::string*> strings,
-           Number... number) {
-  Aside aside;
+void RecordCall(const char* function, std::initializer_list<const std::string*> strings,
+                Number... number) {
+  HeapPause pause;
   std::vector<std::string> arguments;
-  std::vector<const void*> copies;
+  std::vector<const void*> long_strings;
   for (const std::string* string : strings) {
     arguments.push_back(*string);
-    if (string->size() > std::string().capacity()) copies.push_back(string->data());
+    if (string->size() > std::string().capacity()) long_strings.push_back(string->data());
   }
   (arguments.push_back(std::to_string(number)), ...);
-  Happened(Call(function, arguments));
-  const auto latest = allocated.end() - std::min(std::ssize(copies), std::ssize(allocated));
-  if (copies != std::vector(latest, allocated.end())) events.emplace_back("no copies of its own");
-  lent = copies;
+  const auto latest = allocated.end() - std::min(std::ssize(long_strings), std::ssize(allocated));
+  const bool are_private = long_strings == std::vector(latest, allocated.end());
+  RecordEvent(Call(function, arguments));
+  if (!are_private) log.emplace_back("no private copies");
+  private_copies = long_strings;
 }
 
-template <class Value>
-Value Next(const Value& otherwise) {
-  if (device.readings.empty()) return otherwise;
-  const auto reading = device.readings.front();
+// nullptr if the library reads more often than the test expects.
+Reading NextReading() {
+  if (device.readings.empty()) return nullptr;
+  const Reading reading = device.readings.front();
   device.readings.pop_front();
-  return std::get<Value>(reading);
+  return reading;
 }
 
-// By name and size; never destroyed, so that no block is taken for leaked.
+// By name and size. Never destroyed, so that the leak checker reaches every block.
 auto& Blocks() {
   static auto& blocks = *new std::map<void*, std::pair<std::string, std::size_t>>;
   return blocks;
@@ -101,11 +107,19 @@ char** Block(const PointerBlock& list) {
   return MakeBlock("array", slots.data(), slots.size());
 }
 
+template <class Number>
+Number NextNumber() {
+  const Reading reading = NextReading();
+  const auto* const number = std::get_if<Number>(&reading);
+  return number == nullptr ? Number() : *number;
+}
+
 template <class Content>
-auto NextBlock(const Content& otherwise) {
-  Aside aside;
-  const bool is_null = !device.readings.empty() && device.readings.front().index() == 0;
-  return is_null ? nullptr : Block(Next(otherwise));
+auto NextBlock() {
+  HeapPause pause;
+  const Reading reading = NextReading();
+  const auto* const content = std::get_if<Content>(&reading);
+  return content == nullptr ? nullptr : Block(*content);
 }
 
 }  // namespace
@@ -116,20 +130,18 @@ std::string Call(const std::string& function, const std::vector<std::string>& ar
   return call + ')';
 }
 
-Log Record(const std::function<void()>& act) {
-  events.clear();
+Log Record(const std::function<void()>& action) {
+  log.clear();
   allocated.clear();
-  lent.clear();
-  output_size = output_seen = 0;
+  output_size = recorded_output_size = 0;
   FILE* const standard_output = std::exchange(stdout, open_memstream(&output, &output_size));
-  watching_heap = true;
-  act();
-  watching_heap = false;
-  NoteOutput();
+  is_recording_heap = true;
+  action();
+  is_recording_heap = false;
+  RecordEvent("end");
   std::fclose(std::exchange(stdout, standard_output));
   std::free(output);
-  events.push_back(std::to_string(allocated.size()));
-  return events;
+  return log;
 }
 
 }  // namespace recording
@@ -137,73 +149,75 @@ Log Record(const std::function<void()>& act) {
 using namespace recording;
 
 std::string android::base::GetProperty(const std::string& key, const std::string& default_value) {
-  Aside aside;
-  Happened(Call("GetProperty", {key, default_value}));
+  HeapPause pause;
+  RecordEvent(Call("GetProperty", {key, default_value}));
   return device.properties.contains(key) ? device.properties[key] : default_value;
 }
 
 extern "C" {
 
-#define NUMBER_GETTER(name, Number)                                           \
-  Number name(const std::string& map, const std::string& key, Number given) { \
-    Asked(#name, {&map, &key}, given);                                        \
-    return Next(given);                                                       \
+#define NUMBER_GETTER(name, Number)                                                   \
+  Number name(const std::string& map, const std::string& key, Number default_value) { \
+    RecordCall(#name, {&map, &key}, default_value);                                   \
+    return NextNumber<Number>();                                                      \
   }
 NUMBER_GETTER(get_bool_from_map, cadrova_core_bool)
 NUMBER_GETTER(get_int_from_map, std::int32_t)
 NUMBER_GETTER(get_float_from_map, float)
 
-char* get_str_from_map(const std::string& map, const std::string& key, const std::string& given) {
-  Asked("get_str_from_map", {&map, &key, &given});
-  return NextBlock(given);
+char* get_str_from_map(const std::string& map, const std::string& key,
+                       const std::string& default_value) {
+  RecordCall("get_str_from_map", {&map, &key, &default_value});
+  return NextBlock<std::string>();
 }
 
 void cxx_sim_set_the_cadrova(const std::string& name, const std::string& first,
                              const std::string& second) {
-  Asked("cxx_sim_set_the_cadrova", {&name, &first, &second});
+  RecordCall("cxx_sim_set_the_cadrova", {&name, &first, &second});
 }
 
 #define LIST_GETTER(name, Element, List)                          \
   Element* name(const std::string& map, const std::string& key) { \
-    Asked(#name, {&map, &key});                                   \
-    return NextBlock(List());                                     \
+    RecordCall(#name, {&map, &key});                              \
+    return NextBlock<List>();                                     \
   }
 LIST_GETTER(get_str_arr_from_map, char*, PointerBlock)
 LIST_GETTER(get_int_arr_from_map, std::int32_t, IntBlock)
 LIST_GETTER(get_map_arr_from_map, char*, PointerBlock)
 
-// The linker sends every `free` here.
-void __real_free(void* block);
-void __wrap_free(void* block) {
-  Aside aside;
-  const auto found = Blocks().find(block);
-  if (found == Blocks().end()) return __real_free(block);
-  const auto& [name, size] = found->second;
-  Happened("free " + name);
-  std::memset(block, 0xDD, size);
-}
-
 #define EXISTENCE_TEST(name, Value)                                        \
   cadrova_core_bool name(const std::string& map, const std::string& key) { \
-    Asked(#name, {&map, &key});                                            \
+    HeapPause pause;                                                       \
+    RecordCall(#name, {&map, &key});                                       \
     return device.exists[map];                                             \
   }
 CADROVA_EXISTENCE_TESTS(EXISTENCE_TEST, EXISTENCE_TEST)
+
+// The linker redirects every `free` to this one.
+void __real_free(void* block);
+void __wrap_free(void* block) {
+  HeapPause pause;
+  const auto found = Blocks().find(block);
+  if (found == Blocks().end()) return __real_free(block);
+  const auto& [name, size] = found->second;
+  RecordEvent("free " + name);
+  std::memset(block, 0xDD, size);
+}
 
 }  // extern "C"
 
 void* operator new(std::size_t size) {
   void* const block = std::malloc(size);
-  if (watching_heap) {
-    Aside aside;
-    NoteCopiesLeft();
+  if (is_recording_heap) {
+    HeapPause pause;
+    RecordOutlivingCopies();
     allocated.push_back(block);
   }
   return block;
 }
 
 void operator delete(void* block) noexcept {
-  if (watching_heap) std::erase(lent, block);
+  if (is_recording_heap) std::erase(private_copies, block);
   __real_free(block);
 }
 

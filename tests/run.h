@@ -1,5 +1,4 @@
-// Programs as their users run them: arguments in; standard output, standard error and exit status
-// out.
+// Runs programs and returns their standard output, standard error and exit status.
 #pragma once
 
 #include <fcntl.h>
@@ -17,11 +16,11 @@ using Words = std::vector<std::string>;
 
 struct Outcome {
   std::string out, err;
-  int status;  // as a shell has it: 128 and the signal, where one has ended it
+  int status;  // the exit status, or 128 + the signal that ended the program
 };
 
-// Runs `words` with `settings`, NAME=value each. Standard output and standard error go to files in
-// our folder; or to those that are named, and are "" then.
+// Runs `words` with the environment variables `settings`, each NAME=value. If `out` or `err` names
+// a file, that output goes there and is "" in the outcome.
 inline Outcome RunProgram(const Words& words, const Words& settings = {}, std::string out = "",
                           std::string err = "") {
   Words all = {"env", "-u", "CADROVA_HOST_PROPS"};

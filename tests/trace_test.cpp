@@ -1,5 +1,5 @@
-// Programs under `cadrova trace`: what is written of their lookups, and that they are as without
-// it.
+// Programs under `cadrova trace`: the lines about their lookups, and that the programs themselves
+// behave the same.
 
 #include <gtest/gtest.h>
 
@@ -18,7 +18,7 @@ namespace {
 
 const Words kSettings = {
     "CADROVA_HOST_DATA=" +
-    TemporaryFile("data.toml", "[DEFAULT]" + kItems + "held = 5\n[\"\"]\nheld = 6\n")};
+    TemporaryFile("data.toml", "[DEFAULT]" + kItems + "ring = 5\n[\"\"]\nring = 6\n")};
 
 Words operator+(Words words, const Words& more) {
   words.insert(words.end(), more.begin(), more.end());
@@ -29,8 +29,9 @@ Words Traced(const Words& options, const Words& program) {
   return Words{CADROVA_COMMAND, "trace"} + options + Words{"--"} + program;
 }
 
-// A trace with letters for the numbers of processes, in their order, and T for those of threads.
-std::string Lettered(const std::string& trace) {
+// The trace with a letter for each process ID, in the order in which they appear, and T for each
+// thread ID.
+std::string WithLetters(const std::string& trace) {
   std::string text;
   std::map<std::string, char> letters;
   const std::regex number("(^|\n)([0-9]+)(\\.[0-9]+)?(?= )");
@@ -44,7 +45,7 @@ std::string Lettered(const std::string& trace) {
   return text.append(rest, trace.end());
 }
 
-TEST(Trace, TellsOfEachLookupAndLeavesTheProgramAsItIs) {
+TEST(Trace, LogsEachLookupAndDoesNotChangeTheProgram) {
   const std::string another = TemporaryFile("another", "");
   const struct {
     Words options, program;
@@ -52,14 +53,15 @@ TEST(Trace, TellsOfEachLookupAndLeavesTheProgramAsItIs) {
     int status = 3;
   } cases[] = {
       {{}, {TRACED, "reads-property"}, R"(
-A getSimCustIntFeature("held", 1) = 6 from ""; asked SIM_, SIM_DEFAULT, COTA__, COTA_, ""
+A getSimCustIntFeature("ring", 1) = 6 from ""; asked SIM_, SIM_DEFAULT, COTA__, COTA_, ""
 )"},
       {{}, {TRACED, "forks"}, R"(
-A getCustIntFeature("held", 1) = 5 from DEFAULT; asked DEFAULT
-B getCustIntFeature("nope", 2) = 2, the default; asked DEFAULT
-A getCustIntFeature("nope", 3) = 3, the default; asked DEFAULT
+A getCustIntFeature("ring", 0) = 5 from DEFAULT; asked DEFAULT
+A getCustIntFeature("ring", 1) = 5 from DEFAULT; asked DEFAULT
+B getCustIntFeature("missing", 2) = 2, the default; asked DEFAULT
+A getCustIntFeature("missing", 3) = 3, the default; asked DEFAULT
 )"},
-      {{"--steps"}, {TRACED, "asks-for-each-kind"}, R"(
+      {{"--steps"}, {TRACED, "looks-up-each-kind"}, R"(
 A getCustBooleanFeature("bool", false) = true from DEFAULT; asked DEFAULT
     get_bool_from_map("DEFAULT", "bool", false) = true
 A getCustIntFeature("int", 1) = -2147483648 from DEFAULT; asked DEFAULT
@@ -81,67 +83,67 @@ A setSimCadrova("first", "second"); handed to SIM_DEFAULT, ""
 )"},
       {{"--summary"}, {TRACED, "forks"}, R"(
 A lookups: 1
-lookups  default  key   kind  from maps  last value
-      1        1  nope  int              2
-B lookups: 2
-lookups  default  key   kind  from maps  last value
-      1        0  held  int   DEFAULT 1  5
-      1        1  nope  int              3
+lookups  default  key      kind  from maps  last value
+      1        1  missing  int              2
+B lookups: 3
+lookups  default  key      kind  from maps  last value
+      2        0  ring     int   DEFAULT 2  5
+      1        1  missing  int              3
 )"},
       {{},
        {TRACED, "is-killed"},
        R"(
-A getCustIntFeature("held", 1) = 5 from DEFAULT; asked DEFAULT
+A getCustIntFeature("ring", 1) = 5 from DEFAULT; asked DEFAULT
 )",
        128 + SIGTERM},
-      {{}, {TRACED, "has-another-standard-error", another}, R"(
-A getCustIntFeature("held", 1) = 5 from DEFAULT; asked DEFAULT
+      {{}, {TRACED, "reopens-standard-error", another}, R"(
+A getCustIntFeature("ring", 1) = 5 from DEFAULT; asked DEFAULT
 )"},
-      // Of a function found by its name no more is known than what it asks.
+      // A lookup resolved with `dlsym` is not named; only its calls are logged.
       {{}, {LOADING}, R"(
 A GetProperty("persist.sys.cota.carrier", "") = ""
-A sim_get_int_item_exist("SIM_", "held") = false
-A sim_get_int_item_exist("SIM_DEFAULT", "held") = false
-A getCotaRegionCustIntFeature("held", 4) = 6 from ""; asked COTA__, COTA_, ""
+A sim_get_int_item_exist("SIM_", "ring") = false
+A sim_get_int_item_exist("SIM_DEFAULT", "ring") = false
+A getCotaRegionCustIntFeature("ring", 4) = 6 from ""; asked COTA__, COTA_, ""
 A GetProperty("persist.sys.cota.carrier", "") = ""
-A sim_get_int_item_exist("SIM_", "held") = false
-A sim_get_int_item_exist("SIM_DEFAULT", "held") = false
-A getCotaRegionCustIntFeature("held", 4) = 6 from ""; asked COTA__, COTA_, ""
+A sim_get_int_item_exist("SIM_", "ring") = false
+A sim_get_int_item_exist("SIM_DEFAULT", "ring") = false
+A getCotaRegionCustIntFeature("ring", 4) = 6 from ""; asked COTA__, COTA_, ""
 )"},
       {{"--summary"}, {LOADING}, R"(
 A lookups: 2; calls by lookups without a name: 6
 lookups  default  key   kind  from maps  last value
-      2        0  held  int   "" 2       6
+      2        0  ring  int   "" 2       6
 )"},
   };
   for (const auto& [options, program, trace, status] : cases) {
     const Outcome alone = RunProgram(program, kSettings),
                   traced = RunProgram(Traced(options, program), kSettings);
-    EXPECT_EQ('\n' + Lettered(traced.err), trace);
+    EXPECT_EQ('\n' + WithLetters(traced.err), trace);
     EXPECT_EQ(std::pair(traced.out, traced.status), std::pair(alone.out, status));
     EXPECT_EQ(alone.status, status);
   }
   EXPECT_EQ(FileContents(another), "");
 }
 
-TEST(Trace, NeitherTearsNorLosesALineOfAnyThread) {
-  const std::string file = TemporaryFile("trace", "to be emptied");
+TEST(Trace, WritesEachLineOfEachThreadInOnePiece) {
+  const std::string file = TemporaryFile("trace", "old content");
   Expect(RunProgram(Traced({"-o", file}, {TRACED, "has-threads"}), kSettings), "", "", 3);
   std::map<std::string, int> lines;
-  std::istringstream rest(Lettered(FileContents(file)));
+  std::istringstream rest(WithLetters(FileContents(file)));
   for (std::string line; std::getline(rest, line);) ++lines[line];
   EXPECT_EQ(lines.size(), 500U);
   for (int call = 0; call < 500; ++call) {
-    EXPECT_EQ(lines["A.T getCustIntFeature(\"held\", " + std::to_string(call) +
+    EXPECT_EQ(lines["A.T getCustIntFeature(\"ring\", " + std::to_string(call) +
                     ") = 5 from DEFAULT; asked DEFAULT"],
               4);
   }
 }
 
-// The program is traced in a shell that finds the words of its command in "$@".
-TEST(Trace, TroublesNoProgramWhereItsLinesCannotGo) {
+// The scripts run the traced program as "$@".
+TEST(Trace, DoesNotDisturbTheProgramIfItCannotWrite) {
   const std::string file = TemporaryFile("trace", ""), status = TemporaryFile("status", "");
-  const auto complaint = [](const std::string& what) {
+  const auto error = [](const std::string& what) {
     return "libcadrova_trace.so: can't write to " + what + "; name another with CADROVA_TRACE\n";
   };
   const struct {
@@ -149,9 +151,9 @@ TEST(Trace, TroublesNoProgramWhereItsLinesCannotGo) {
   } cases[] = {
       {"has-threads", R"({ "$@"; echo $? >"$0"; } 2>&1 | true)", "/dev/stderr", ""},
       {"has-threads", R"("$@"; echo $? >"$0")", "/dev/full",
-       complaint("/dev/full: No space left on device")},
-      {"asks-at-length", R"((ulimit -f 1200; "$@"); echo $? >"$0")", file,
-       complaint(file + ": File too large")},
+       error("/dev/full: No space left on device")},
+      {"has-a-long-line", R"((ulimit -f 1200; "$@"); echo $? >"$0")", file,
+       error(file + ": File too large")},
   };
   for (const auto& [what, script, to, err] : cases) {
     const Words program = Traced({"-o", to}, {TRACED, what});
@@ -160,10 +162,10 @@ TEST(Trace, TroublesNoProgramWhereItsLinesCannotGo) {
   }
   const Words piped = Traced({"-o", file + ".pipe"}, {TRACED, "forks"});
   const std::string script = R"(ulimit -n 64; mkfifo "$0"; "$@" & timeout 60 wc -l <"$0")";
-  Expect(RunProgram(Words{"sh", "-c", script, file + ".pipe"} + piped, kSettings), "3\n", "");
+  Expect(RunProgram(Words{"sh", "-c", script, file + ".pipe"} + piped, kSettings), "4\n", "");
 }
 
-TEST(Trace, SaysWhatCannotRun) {
+TEST(Trace, ReportsAProgramThatCannotRun) {
   const std::string text = TemporaryFile("not executable", "");
   Expect(RunProgram(Traced({}, {"./nowhere"})), "",
          "cadrova: './nowhere' can't be run: No such file or directory\n", 127);

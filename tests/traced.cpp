@@ -1,4 +1,4 @@
-// Programs whose lookups are traced: the argument says what they do, and they end with status 3.
+// A program to trace. Its argument says what it does; it ends with status 3.
 
 #include <android-base/properties.h>
 #include <fcntl.h>
@@ -19,7 +19,7 @@ using android::getCustIntFeature;
 int main(int, char** argv) {
   const std::string what = argv[1];
   errno = 0;
-  if (what == "asks-for-each-kind") {
+  if (what == "looks-up-each-kind") {
     android::getCustBooleanFeature("bool", false);
     android::getCustIntFeature("int", 1);
     android::getCustFloatFeature("float", -1.5F);
@@ -29,30 +29,31 @@ int main(int, char** argv) {
     android::getCustMapArrayFeature("map-array");
     android::setSimCadrova("first", "second");
   } else if (what == "reads-property") {
-    android::base::GetProperty("its.own", "");
-    android::getSimCustIntFeature("held", 1);
+    android::base::GetProperty("unrelated", "");
+    android::getSimCustIntFeature("ring", 1);
   } else if (what == "has-threads") {
     std::vector<std::thread> threads;
     for (int thread = 0; thread < 4; ++thread) {
       threads.emplace_back([] {
-        for (int call = 0; call < 500; ++call) getCustIntFeature("held", call);
+        for (int call = 0; call < 500; ++call) getCustIntFeature("ring", call);
       });
     }
     for (std::thread& thread : threads) thread.join();
-  } else if (what == "asks-at-length") {
-    android::getCustStringFeature("nope", std::string(std::size_t{1} << 20U, 'x'));
+  } else if (what == "has-a-long-line") {
+    android::getCustStringFeature("missing", std::string(std::size_t{1} << 20U, 'x'));
   } else if (what == "forks") {
-    getCustIntFeature("held", 1);
+    getCustIntFeature("ring", 0);
+    getCustIntFeature("ring", 1);
     const pid_t child = fork();
     if (child != 0) waitpid(child, nullptr, 0);
-    getCustIntFeature("nope", child == 0 ? 2 : 3);
+    getCustIntFeature("missing", child == 0 ? 2 : 3);
   } else if (what == "is-killed") {
-    getCustIntFeature("held", 1);
+    getCustIntFeature("ring", 1);
     std::raise(SIGTERM);
-  } else if (what == "has-another-standard-error") {
+  } else if (what == "reopens-standard-error") {
     close(STDERR_FILENO);
     if (open(argv[2], O_WRONLY) != STDERR_FILENO) return 1;
-    getCustIntFeature("held", 1);
+    getCustIntFeature("ring", 1);
   }
   return errno == 0 ? 3 : 1;
 }

@@ -1,10 +1,10 @@
 /// How is this device unit customized?
 ///
-/// Customization data lies in named maps inside the parser core (`libcadrova_ffi`). Each function
-/// here asks for one item of one value kind by its feature key and returns it as a
-/// standard-library value. There is one function per value kind in each family:
+/// The parser core (`libcadrova_ffi`) contains the customization data, in named maps of items. Each
+/// function here returns the value of one item as a standard-library value. Each family has one
+/// function per kind of value:
 ///
-///   kind         type                                                 missing item yields
+///   kind         type                                                 if the item is missing
 ///   Boolean      bool                                                 default_value
 ///   Int          int (signed 32-bit)                                  default_value
 ///   Float        float (32-bit IEEE)                                  default_value
@@ -13,19 +13,19 @@
 ///   IntArray     std::vector<int>                                     an empty list
 ///   MapArray     std::vector<std::pair<std::string, std::string>>     an empty list
 ///
-/// The library hands `default_value` to the core, which is to answer with it, or with no list,
-/// where an item is missing. Whether an item of one kind exists as another, and all else about the
-/// data, is the core's to say. MapArray pairs are (key, value), in the order of the data,
-/// duplicates kept. A String ends before its first NUL byte.
+/// The library passes `default_value` to the core, which returns it if the item is missing. The
+/// core decides everything else about the data too, for example whether an item of one kind exists
+/// as another. MapArray pairs are (key, value), in the order of the data; duplicates are kept. A
+/// String ends before its first NUL byte.
 ///
-/// Arguments and results are values: the caller owns what it passes and what it gets. Any string
-/// may be empty and is passed to the core unchanged. There is no error result, and the library
-/// throws nothing: a length that the standard library can't represent ends the process, and so does
-/// memory that runs out. (A std::bad_alloc of `operator new` that the program does catch comes
-/// through the library, which releases nothing on its way.)
+/// Arguments and results are values, which the caller owns. Any string may be empty; the core gets
+/// it unchanged. There is no error result, and the library throws nothing: it ends the process if
+/// memory runs out, or if a length is greater than the standard library can represent. (If
+/// `operator new` throws a std::bad_alloc and the program catches it, the exception passes through
+/// the library, which releases nothing.)
 ///
-/// Thread safety: any function may be called from any thread at any time. The library has no
-/// state, takes no lock and needs no initialisation.
+/// Thread safety: any function may be called from any thread at any time. The library has no state,
+/// takes no lock and needs no initialisation.
 ///
 /// Callers, this library and the core must be built against the same C++ standard library.
 #pragma once
@@ -34,15 +34,15 @@
 #include <utility>
 #include <vector>
 
-/// Marks what leaves the library; everything else stays inside.
+/// Marks a function that the library exports. It exports nothing else.
 #define CADROVA_EXPORT __attribute__((visibility("default")))
 
 namespace android {
 
 /// @name Typed bridge
 ///
-/// The item under `key` in the map named `map`, read from the core once; where the map holds no
-/// such item, the core answers with `default_value` or with no list.
+/// Each function reads the item under `key` in the map named `map` from the core once. If the map
+/// contains no such item, the core returns `default_value` or no list.
 /// @{
 CADROVA_EXPORT bool getBooleanFromRust(std::string map, std::string key, bool default_value);
 CADROVA_EXPORT int getIntFromRust(std::string map, std::string key, int default_value);
@@ -57,8 +57,8 @@ CADROVA_EXPORT std::vector<std::pair<std::string, std::string>> getMapFromRust(s
 
 /// @name Default-map lookups
 ///
-/// The device's default customization: the item under `key` in the map "DEFAULT", whatever the
-/// region, carrier or SIM. Reads the value once and prints nothing.
+/// The device's default customization: the item under `key` in the map "DEFAULT", for every region,
+/// carrier and SIM. Each function reads the value once and prints nothing.
 /// @{
 CADROVA_EXPORT bool getCustBooleanFeature(std::string key, bool default_value);
 CADROVA_EXPORT int getCustIntFeature(std::string key, int default_value);
@@ -72,12 +72,13 @@ CADROVA_EXPORT std::vector<std::pair<std::string, std::string>> getCustMapArrayF
 
 /// @name Region lookups
 ///
-/// What holds for the device's region, named by the system property `ro.orvel.region`: the item
-/// under `key` in the map of that name, or else in "DEFAULT".
+/// The customization for the device's region. The system property `ro.orvel.region` is the region
+/// code. The item under `key` comes from the map with that name, or else from "DEFAULT".
 ///
-/// These and all lookups below read the properties afresh, and print one line to standard output
-/// that says which map answered. Scalars and strings are read, printed, and read again for the
-/// result; lists are announced, then read once.
+/// These and all lookups below read the properties in each call, and print one line to standard
+/// output that says which map the value comes from. For a scalar or a string, they read the value,
+/// print it, and read it again for the result. For a list, they print the line, then read the value
+/// once.
 /// @{
 CADROVA_EXPORT bool getRegionCustBooleanFeature(std::string key, bool default_value);
 CADROVA_EXPORT int getRegionCustIntFeature(std::string key, int default_value);
@@ -91,8 +92,9 @@ CADROVA_EXPORT std::vector<std::pair<std::string, std::string>> getRegionCustMap
 
 /// @name Carrier lookups
 ///
-/// What holds for the device's carrier, named by the system property `persist.sys.cota.carrier`:
-/// the item under `key` in the map COTA_<carrier>, or else in "DEFAULT".
+/// The customization for the device's carrier. The system property `persist.sys.cota.carrier` is
+/// the carrier code. The item under `key` comes from the map COTA_<carrier>, or else from
+/// "DEFAULT".
 /// @{
 CADROVA_EXPORT bool getCotaCustBooleanFeature(std::string key, bool default_value);
 CADROVA_EXPORT int getCotaCustIntFeature(std::string key, int default_value);
@@ -106,8 +108,8 @@ CADROVA_EXPORT std::vector<std::pair<std::string, std::string>> getCotaCustMapAr
 
 /// @name Carrier-and-region lookups
 ///
-/// The item under `key` in the most specific map that holds one: COTA_<carrier>_<region>,
-/// COTA_<carrier>, <region>, or else "DEFAULT".
+/// The item under `key` comes from the first of these maps that contains it:
+/// COTA_<carrier>_<region>, COTA_<carrier>, <region>; or else from "DEFAULT".
 /// @{
 CADROVA_EXPORT bool getCotaRegionCustBooleanFeature(std::string key, bool default_value);
 CADROVA_EXPORT int getCotaRegionCustIntFeature(std::string key, int default_value);
@@ -122,8 +124,8 @@ CADROVA_EXPORT std::vector<std::pair<std::string, std::string>> getCotaRegionCus
 
 /// @name SIM lookups
 ///
-/// The item under `key` in SIM_<carrier>, or else in "SIM_DEFAULT", or else what the
-/// carrier-and-region lookup of the same kind says. The String lookup's default is the empty
+/// The item under `key` comes from SIM_<carrier>, or else from "SIM_DEFAULT", or else from the
+/// carrier-and-region lookup of the same kind. The default of the String lookup is the empty
 /// string. There is no lookup for floats.
 /// @{
 CADROVA_EXPORT bool getSimCustBooleanFeature(std::string key, bool default_value);
@@ -135,8 +137,8 @@ CADROVA_EXPORT std::vector<std::pair<std::string, std::string>> getSimCustMapArr
     std::string key);
 /// @}
 
-/// Hands two strings of SIM customization to the core, once under "SIM_DEFAULT" and once under the
-/// carrier code. What they mean is the core's business; nothing is printed.
+/// Hands two strings of SIM customization over to the core, first under "SIM_DEFAULT", then under
+/// the carrier code. The core decides what they mean. Prints nothing.
 CADROVA_EXPORT void setSimCadrova(std::string first, std::string second);
 
 }  // namespace android

@@ -1,20 +1,21 @@
-// How the core is asked anything.
+// Calls a function of the core.
 #pragma once
 
 #include <string>
 
 namespace android::cadrova_cpp {
 
-// Asks the core once, with private copies of the strings that are gone before its answer is looked
-// at. The core never sees the caller's own objects. `rest` is the default, or what is handed over.
-template <class Question, class... Rest>
-inline auto CallCore(Question* question, const std::string& map, const std::string& key,
+// Calls `function` once. The core gets private copies of all strings and never sees the caller's
+// own objects; the copies are destroyed before the caller reads the answer. `rest` is the default
+// value, or the second string of a hand-over.
+template <class Function, class... Rest>
+inline auto CallCore(Function* function, const std::string& map, const std::string& key,
                      const Rest&... rest) {
-  // NOLINTBEGIN(performance-unnecessary-copy-initialization): copies are what the core is owed.
+  // NOLINTBEGIN(performance-unnecessary-copy-initialization): the contract requires these copies.
   const std::string private_map = map;
   const std::string private_key = key;
   // NOLINTEND(performance-unnecessary-copy-initialization)
-  return question(private_map, private_key, Rest(rest)...);
+  return function(private_map, private_key, Rest(rest)...);
 }
 
 }  // namespace android::cadrova_cpp

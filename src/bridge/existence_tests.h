@@ -1,5 +1,5 @@
-// The core's existence tests in one list, for what stands in for the core or in front of it: a
-// macro for the kinds of value, by the type of their values, and one for the same of SIM data.
+// The core's existence tests in one list, for code that defines all of them. TEST and SIM_TEST are
+// macros that take the function's name and the type of the values; SIM_TEST is for SIM data.
 #pragma once
 
 #define CADROVA_EXISTENCE_TESTS(TEST, SIM_TEST)     \

@@ -1,4 +1,5 @@
-// The parser core's answers as standard-library values, each block released as the core asks.
+// Converts the core's answers to standard-library values and releases each block as the core
+// requires.
 
 #include <cstdlib>
 #include <cstring>
@@ -32,8 +33,8 @@ std::string getStringFromRust(std::string map, std::string key, std::string defa
   return value;
 }
 
-// The lists below grow by plain appends and reserve nothing: a count is the core's word, and is
-// not trusted with an allocation of its size.
+// The lists below reserve no memory: the count comes from the core, and a wrong one must not decide
+// the size of an allocation.
 
 std::vector<std::string> getStringArrayFromRust(std::string map, std::string key) {
   std::vector<std::string> list;
@@ -61,11 +62,11 @@ std::vector<std::pair<std::string, std::string>> getMapFromRust(std::string map,
   std::vector<std::pair<std::string, std::string>> list;
   char** const block = CallCore(get_map_arr_from_map, map, key);
   if (block == nullptr) return list;
-  // After a NULL key the slot for its value may not exist.
+  // After a NULL key, the slot for its value may not exist.
   for (char** slot = block; slot[0] != nullptr && slot[1] != nullptr; slot += 2) {
     list.emplace_back(slot[0], slot[1]);
   }
-  std::free(block);  // The strings stay the core's.
+  std::free(block);  // The core owns the strings.
   return list;
 }
 

@@ -1,4 +1,4 @@
-// Carrier lookups: what the device's carrier says, or else the default map.
+// Carrier lookups: consult the map of the device's carrier, then the default map.
 
 #include "lookup/lookup.h"
 
@@ -6,8 +6,6 @@ namespace android {
 namespace {
 
 using namespace cadrova_cpp;
-
-std::string CarrierMap() { return Concatenated("COTA_", CarrierCode()); }
 
 template <class Value>
 struct Lines {
@@ -17,7 +15,7 @@ struct Lines {
 template <class Value, class... Default>
 Value LookUp(Lines<Value> lines, const std::string& key, const Default&... default_value) {
   const std::string carrier_map = CarrierMap();
-  if (Holds(KindTraits<Value>::exists, carrier_map, key)) {
+  if (Contains(KindTraits<Value>::exists, carrier_map, key)) {
     return Report(lines.in_carrier, carrier_map, key, default_value...);
   }
   return Report(lines.in_default, "DEFAULT", key, default_value...);

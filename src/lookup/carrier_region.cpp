@@ -1,4 +1,5 @@
-// Carrier-and-region lookups: the most specific map that holds the item, or else the default map.
+// Carrier-and-region lookups: consult the maps from the most to the least specific, then the
+// default map.
 
 #include "lookup/lookup.h"
 
@@ -7,30 +8,30 @@ namespace {
 
 using namespace cadrova_cpp;
 
+// For example COTA_X1_EU, composed of COTA_X1 and EU.
+std::string CarrierAndRegionMap(const std::string& carrier_map, const std::string& region) {
+  return Concatenated(carrier_map, Concatenated("_", region));
+}
+
 template <class Value>
 struct Lines {
   Line<Value> in_carrier_and_region, in_carrier, in_region, in_default;
 };
 
-// The names of the maps, as EU, COTA_X1 and COTA_X1_EU; the region code is read first. An unset
-// code is no special case: the names are composed and asked all the same.
-struct Maps {
-  std::string region = RegionCode();
-  std::string carrier = Concatenated("COTA_", CarrierCode());
-  std::string carrier_and_region = Concatenated(carrier, Concatenated("_", region));
-};
-
 template <class Value, class... Default>
 Value LookUp(Lines<Value> lines, const std::string& key, const Default&... default_value) {
-  const Maps maps;
-  if (Holds(KindTraits<Value>::exists, maps.carrier_and_region, key)) {
-    return Report(lines.in_carrier_and_region, maps.carrier_and_region, key, default_value...);
+  // The region code is read first. A code that is unset is no special case.
+  const std::string region_map = RegionCode();
+  const std::string carrier_map = CarrierMap();
+  const std::string carrier_and_region_map = CarrierAndRegionMap(carrier_map, region_map);
+  if (Contains(KindTraits<Value>::exists, carrier_and_region_map, key)) {
+    return Report(lines.in_carrier_and_region, carrier_and_region_map, key, default_value...);
   }
-  if (Holds(KindTraits<Value>::exists, maps.carrier, key)) {
-    return Report(lines.in_carrier, maps.carrier, key, default_value...);
+  if (Contains(KindTraits<Value>::exists, carrier_map, key)) {
+    return Report(lines.in_carrier, carrier_map, key, default_value...);
   }
-  if (Holds(KindTraits<Value>::exists, maps.region, key)) {
-    return Report(lines.in_region, maps.region, key, default_value...);
+  if (Contains(KindTraits<Value>::exists, region_map, key)) {
+    return Report(lines.in_region, region_map, key, default_value...);
   }
   return Report(lines.in_default, "DEFAULT", key, default_value...);
 }
@@ -101,8 +102,8 @@ std::vector<int> getCotaRegionCustIntArrayFeature(std::string key) {
       key);
 }
 
-// These lines name other lookups, and are meant to: the first and last name the carrier family's,
-// the two between are those of the string array lookup above.
+// Intentionally, these lines name other lookups: the first and the last name the carrier lookup for
+// map arrays, the two between name the string array lookup above.
 std::vector<std::pair<std::string, std::string>> getCotaRegionCustMapArrayFeature(std::string key) {
   return LookUp<MapArray>(
       {.in_carrier_and_region = "getCotaCustMapArrayFeature exist with the carrier & region ! ",

@@ -1,5 +1,5 @@
-// Default-map lookups: what the device's default customization says. One read of "DEFAULT" each,
-// and deliberately nothing else: no property, no existence test, no diagnostic line.
+// Default-map lookups: read the default map once. Intentionally, they read no property, make no
+// existence test and print no line.
 
 #include "cadrova/cadrova.h"
 

@@ -1,8 +1,8 @@
-// The seven kinds of value in one table: how the core is asked whether a map holds an item of the
-// kind, in SIM data too, how the bridge reads one, and how the lines about it end.
+// The seven kinds of value in one table: for each, the core's existence test, the one for SIM data,
+// the bridge function that reads an item, and the end of the lines that report it.
 //
-// Scalars and strings have a default, and lines that end in their `printf` conversion. Lists have
-// no default, and their lines show no value.
+// Scalars and strings have a default, and their lines end in a `printf` conversion. Lists have no
+// default, and their lines show no value.
 #pragma once
 
 #include <string>
@@ -19,7 +19,7 @@ using StringArray = std::vector<std::string>;
 using IntArray = std::vector<int>;
 using MapArray = std::vector<std::pair<std::string, std::string>>;
 
-// A kind is known by the type of its values.
+// `Value` is the type of the kind's values.
 template <class Value>
 struct KindTraits;
 

@@ -1,4 +1,4 @@
-// A diagnostic line, checked by the compiler as `std::format_string` is.
+// A diagnostic line that the compiler checks, as it checks a `std::format_string`.
 #pragma once
 
 #include <string_view>
@@ -7,11 +7,12 @@
 
 namespace android::cadrova_cpp {
 
-// Not constant expressions, and named after what keeps a text from compiling.
+// A call of these is not a constant expression, so the compiler rejects the text and names the
+// reason.
 void LineDoesNotEndAsItsKindRequires();
 void LineHasAnotherConversion();
 
-// Takes a literal alone, and so is a format that `printf` can be trusted with.
+// Can be made only from a literal that fits the kind, so it is a safe format for `printf`.
 template <class Value>
 struct Line {
   consteval Line(const char* literal) : text(literal) {

@@ -1,5 +1,5 @@
-// What a lookup is made of: the device's codes, names composed of them, whether a map holds an
-// item, and the reading that prints a line and comes back with the value.
+// The steps of a lookup: read the device's codes, compose map names, test whether a map contains an
+// item, print a line and read the value.
 #pragma once
 
 #include <android-base/properties.h>
@@ -14,34 +14,36 @@
 
 namespace android::cadrova_cpp {
 
-// The device's codes, verbatim; empty where their system property is unset.
+// The device's codes, unchanged; empty if the system property is unset.
 inline std::string RegionCode() { return base::GetProperty("ro.orvel.region", ""); }
 inline std::string CarrierCode() { return base::GetProperty("persist.sys.cota.carrier", ""); }
 
-// Two parts of a map name. Flattened, since most fronts are constants and then no more than a
+// Composes a map name. Flattened, because most fronts are constants, which then cost a single
 // store.
 [[gnu::flatten]] inline std::string Concatenated(const std::string& front,
                                                  const std::string& back) {
   return front + back;
 }
 
+inline std::string CarrierMap() { return Concatenated("COTA_", CarrierCode()); }
+
 using ExistenceTest = cadrova_core_bool(const std::string& map, const std::string& key);
 
-// Whether `map` holds an item under `key`, of the kind and in the data that `exists` asks about.
-// Compiled once and called: copies are most of it, and lookups ask in many places.
-[[gnu::noinline]] inline bool Holds(ExistenceTest* exists, const std::string& map,
-                                    const std::string& key) {
+// Whether `map` contains an item under `key`, according to the existence test `exists`. Not
+// inlined: the copies make it long, and many places call it.
+[[gnu::noinline]] inline bool Contains(ExistenceTest* exists, const std::string& map,
+                                       const std::string& key) {
   return ::cadrova::core::IsTrue(CallCore(exists, map, key));
 }
 
-// A value as `printf` takes it.
+// Converts a value to an argument of `printf`.
 template <class Number>
 Number PrintfArgument(Number number) {
   return number;
 }
 inline const char* PrintfArgument(const std::string& text) { return text.c_str(); }
 
-// Scalars and strings: the line shows a first reading, and the caller gets a second.
+// Scalars and strings: reads the value, prints it, and reads it again for the caller.
 template <class Value>
 Value Report(Line<Value> line, const std::string& map, const std::string& key,
              const Value& default_value) {
@@ -52,7 +54,7 @@ Value Report(Line<Value> line, const std::string& map, const std::string& key,
   return KindTraits<Value>::read(map, key, default_value);
 }
 
-// Lists: announced by the line, then read once.
+// Lists: prints the line, then reads the value once.
 template <class Value>
 Value Report(Line<Value> line, const std::string& map, const std::string& key) {
   std::puts(line.text);

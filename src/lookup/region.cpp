@@ -1,4 +1,4 @@
-// Region lookups: what the device's region says, or else the default map.
+// Region lookups: consult the map of the device's region, then the default map.
 
 #include "lookup/lookup.h"
 
@@ -15,7 +15,7 @@ struct Lines {
 template <class Value, class... Default>
 Value LookUp(Lines<Value> lines, const std::string& key, const Default&... default_value) {
   const std::string region = RegionCode();
-  if (Holds(KindTraits<Value>::exists, region, key)) {
+  if (Contains(KindTraits<Value>::exists, region, key)) {
     return Report(lines.in_region, region, key, default_value...);
   }
   return Report(lines.in_default, "DEFAULT", key, default_value...);

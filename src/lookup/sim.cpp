@@ -1,5 +1,5 @@
-// SIM lookups: what the SIM of the device's carrier says, or else any SIM's customization, or else
-// the carrier-and-region lookup of the same kind; and the hand-over of SIM customization.
+// SIM lookups: consult the SIM map of the device's carrier, then "SIM_DEFAULT", then make the
+// carrier-and-region lookup of the same kind. And the hand-over of SIM customization.
 
 #include "lookup/lookup.h"
 
@@ -10,25 +10,25 @@ using namespace cadrova_cpp;
 
 std::string SimMap() { return Concatenated("SIM_", CarrierCode()); }
 
-// A "do not exist" line says that the carrier's SIM map lacks the item. It is printed where
-// "SIM_DEFAULT" does hold it, and is meant to be.
+// A "do not exist" line says that the carrier's SIM map does not contain the item. Intentionally,
+// it is printed if "SIM_DEFAULT" contains it.
 template <class Value>
 struct Lines {
   Line<Value> in_sim, in_sim_default;
 };
 
-// A carrier code DEFAULT names "SIM_DEFAULT" too, which is then asked twice.
+// If the carrier code is DEFAULT, "SIM_DEFAULT" is consulted twice.
 template <class Value, class... Default>
-Value LookUp(Lines<Value> lines, Value (*last_resort)(std::string, Default...),
+Value LookUp(Lines<Value> lines, Value (*look_up_in_carrier_and_region)(std::string, Default...),
              const std::string& key, const Default&... default_value) {
   const std::string sim_map = SimMap();
-  if (Holds(KindTraits<Value>::exists_in_sim, sim_map, key)) {
+  if (Contains(KindTraits<Value>::exists_in_sim, sim_map, key)) {
     return Report(lines.in_sim, sim_map, key, default_value...);
   }
-  if (Holds(KindTraits<Value>::exists_in_sim, "SIM_DEFAULT", key)) {
+  if (Contains(KindTraits<Value>::exists_in_sim, "SIM_DEFAULT", key)) {
     return Report(lines.in_sim_default, "SIM_DEFAULT", key, default_value...);
   }
-  return last_resort(key, default_value...);
+  return look_up_in_carrier_and_region(key, default_value...);
 }
 
 }  // namespace
@@ -77,8 +77,8 @@ std::vector<std::pair<std::string, std::string>> getSimCustMapArrayFeature(std::
 
 void setSimCadrova(std::string first, std::string second) {
   CallCore(cxx_sim_set_the_cadrova, "SIM_DEFAULT", first, second);
-  // Only now is the carrier code read, and handed over bare: the "SIM_" that the lookups put in
-  // front of it does not belong here.
+  // The carrier code is read only now. It is passed without the "SIM_" that the lookups put in
+  // front of it.
   CallCore(cxx_sim_set_the_cadrova, CarrierCode(), first, second);
 }
 
