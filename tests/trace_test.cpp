@@ -168,9 +168,9 @@ TEST(Trace, DoesNotDisturbTheProgramIfItCannotWrite) {
 TEST(Trace, ReportsAProgramThatCannotRun) {
   const std::string text = TemporaryFile("not executable", "");
   Expect(RunProgram(Traced({}, {"./nowhere"})), "",
-         "cadrova: './nowhere' can't be run: No such file or directory\n", 127);
+         "cadrova: can't run './nowhere': No such file or directory\n", 127);
   Expect(RunProgram(Traced({}, {text})), "",
-         "cadrova: '" + text + "' can't be run: Permission denied\n", 126);
+         "cadrova: can't run '" + text + "': Permission denied\n", 126);
 }
 
 }  // namespace
