@@ -11,11 +11,17 @@
 namespace cadrova::tools {
 namespace {
 
-CLI::Option& Declare(CLI::Option* option, const std::string& name, const std::string& type) {
+// `store` is called with the values that were given, if any. (CLI11's own conversions take most of
+// the time to compile this file.)
+CLI::Option& Declare(CLI::App& app, const std::string& name, const std::string& type,
+                     const std::string& description, const CLI::callback_t& store) {
   // If a value is forgotten, CLI11 takes the next option's name for it.
-  return *option->type_name(type)->check([name](const std::string& value) {
-    return name[0] == '-' && value.starts_with("--") ? "'" + value + "' is an option" : "";
-  });
+  return *app.add_option(name, store, description)
+              ->type_name(type)
+              ->check([name](const std::string& value) {
+                return name[0] == '-' && value.starts_with("--") ? "'" + value + "' is an option"
+                                                                 : "";
+              });
 }
 
 const CommandInfo& FindCommand(const std::string& name) {
@@ -97,21 +103,30 @@ class Parser {
 
 void Options::AddRequired(const std::string& name, std::string& value,
                           const std::string& description) {
-  Declare(app_.add_option(name, value, description), name, "").required();
+  Declare(app_, name, "", description, [&](const CLI::results_t& values) {
+    value = values.front();
+    return true;
+  }).required();
 }
 
 void Options::Add(const std::string& name, std::optional<std::string>& value,
                   const std::string& type, const std::string& description) {
-  Declare(app_.add_option(name, value, description), name, type);
+  Declare(app_, name, type, description, [&](const CLI::results_t& values) {
+    value = values.back();
+    return true;
+  });
 }
 
 void Options::AddFlag(const std::string& name, bool& value, const std::string& description) {
-  app_.add_flag(name, value, description);
+  app_.add_flag_callback(name, [&] { value = true; }, description);
 }
 
 void Options::AddRepeatable(const std::string& name, std::vector<std::string>& values,
                             const std::string& type, const std::string& description) {
-  Declare(app_.add_option(name, values, description), name, type)
+  Declare(app_, name, type, description, [&](const CLI::results_t& given) {
+    values = given;
+    return true;
+  })
       .expected(1)
       ->allow_extra_args(false)
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
@@ -119,7 +134,16 @@ void Options::AddRepeatable(const std::string& name, std::vector<std::string>& v
 
 void Options::AddRemaining(const std::string& name, std::vector<std::string>& values,
                            const std::string& description) {
-  app_.add_option(name, values, description)->required()->type_name("");
+  app_.add_option(
+          name,
+          [&](const CLI::results_t& given) {
+            values = given;
+            return true;
+          },
+          description)
+      ->required()
+      ->type_name("")
+      ->expected(-1);
 }
 
 int RunCommandLine(int argc, const char* const* argv) { return Parser().Run(argc, argv); }
