@@ -106,8 +106,9 @@ inline void AppendJson(std::string& text, StringArrayBlock block) {
 
 inline void AppendJson(std::string& text, IntArrayBlock block) {
   std::vector<std::int32_t> list;
-  const std::int32_t count = block.numbers == nullptr ? 0 : block.numbers[0];
-  for (std::int32_t i = 0; i < count; ++i) list.push_back(block.numbers[1 + i]);
+  if (block.numbers != nullptr && block.numbers[0] > 0) {
+    list.assign(block.numbers + 1, block.numbers + 1 + block.numbers[0]);
+  }
   AppendJson(text, list);
 }
 

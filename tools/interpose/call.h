@@ -27,7 +27,7 @@ struct DeviceCall {
   // The answers that an observer may change; NULL if the call has another answer.
   std::string* property = nullptr;
   cadrova_core_bool* exists = nullptr;
-  std::function<void(std::string& text)> append_to = {};
+  std::function<void(std::string& text)> append_to = nullptr;
 
   // Appends the call and its answer: get_int_item_exist("EU", "ring.seconds") = true
   void AppendTo(std::string& text) const { append_to(text); }
