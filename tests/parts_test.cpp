@@ -75,7 +75,10 @@ TEST(Suggestions, AreSimilarNamesWithTheBestFirst) {
     Names candidates, suggested;  // by Suggest
     Names indexed;                // by SuggestionIndex
   } cases[] = {
-      {"ring.secnods", {"ring.sceonds", "ring.seconds"}, {"ring.seconds", "ring.sceonds"}, {"ring.seconds"}},
+      {"ring.secnods",
+       {"ring.sceonds", "ring.seconds"},
+       {"ring.seconds", "ring.sceonds"},
+       {"ring.seconds"}},
       {"ring",
        {"rnig", "RING", "bring", "tone"},
        {"RING", "bring", "rnig"},

@@ -123,10 +123,11 @@ void Options::AddFlag(const std::string& name, bool& value, const std::string& d
 
 void Options::AddRepeatable(const std::string& name, std::vector<std::string>& values,
                             const std::string& type, const std::string& description) {
-  Declare(app_, name, type, description, [&](const CLI::results_t& given) {
-    values = given;
-    return true;
-  })
+  Declare(app_, name, type, description,
+          [&](const CLI::results_t& given) {
+            values = given;
+            return true;
+          })
       .expected(1)
       ->allow_extra_args(false)
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);

@@ -18,9 +18,7 @@ long Milliseconds() {
 }  // namespace
 
 Progress::Progress(std::string work)
-    : work_(std::move(work)),
-      is_wanted_(isatty(STDERR_FILENO) != 0),
-      next_(Milliseconds() + 500) {}
+    : work_(std::move(work)), is_wanted_(isatty(STDERR_FILENO) != 0), next_(Milliseconds() + 500) {}
 
 void Progress::Show(std::size_t done, std::size_t all) {
   if (!is_wanted_ || Milliseconds() < next_) return;
