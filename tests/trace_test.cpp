@@ -161,7 +161,8 @@ TEST(Trace, DoesNotDisturbTheProgramIfItCannotWrite) {
     EXPECT_EQ(FileContents(status), "3\n");
   }
   const Words piped = Traced({"-o", file + ".pipe"}, {TRACED, "forks"});
-  const std::string script = R"(ulimit -n 64; mkfifo "$0"; "$@" & timeout 60 wc -l <"$0")";
+  const std::string script =
+      R"(ulimit -n 64; mkfifo "$0"; "$@" & timeout 20 sh -c 'wc -l <"$0"' "$0")";
   Expect(RunProgram(Words{"sh", "-c", script, file + ".pipe"} + piped, kSettings), "4\n", "");
 }
 

@@ -144,7 +144,7 @@ void Options::AddRemaining(const std::string& name, std::vector<std::string>& va
           description)
       ->required()
       ->type_name("")
-      ->expected(-1);
+      ->expected(CLI::detail::expected_max_vector_size);
 }
 
 int RunCommandLine(int argc, const char* const* argv) { return Parser().Run(argc, argv); }
