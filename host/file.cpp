@@ -42,7 +42,7 @@ std::string Printable(std::string_view text) {
   return printable;
 }
 
-void Stop(const std::vector<Error>& errors) {
+void ExitWith(const std::vector<Error>& errors) {
   std::fflush(stdout);
   for (const Error& error : errors) {
     std::fprintf(stderr, "%s\n", Printable(ToString(error)).c_str());
@@ -50,6 +50,6 @@ void Stop(const std::vector<Error>& errors) {
   std::_Exit(2);
 }
 
-void Stop(const Error& error) { Stop(std::vector{error}); }
+void ExitWith(const Error& error) { ExitWith(std::vector{error}); }
 
 }  // namespace cadrova::host

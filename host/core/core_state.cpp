@@ -52,7 +52,7 @@ const CoreState::File& CoreState::LoadDefault() {
     for (Error& error : errors) {
       if (error.place.line == 0) error.reason += "; name another file with CADROVA_HOST_DATA";
     }
-    if (!errors.empty()) Stop(errors);
+    if (!errors.empty()) ExitWith(errors);
   }
   return *owned_;
 }
