@@ -42,14 +42,10 @@ std::string Printable(std::string_view text) {
   return printable;
 }
 
-void ExitWith(const std::vector<Error>& errors) {
+void ExitWith(const Error& error) {
   std::fflush(stdout);
-  for (const Error& error : errors) {
-    std::fprintf(stderr, "%s\n", Printable(ToString(error)).c_str());
-  }
+  std::fprintf(stderr, "%s\n", Printable(ToString(error)).c_str());
   std::_Exit(2);
 }
-
-void ExitWith(const Error& error) { ExitWith(std::vector{error}); }
 
 }  // namespace cadrova::host

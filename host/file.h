@@ -4,7 +4,6 @@
 #include <string>
 #include <string_view>
 #include <variant>
-#include <vector>
 
 #include "cadrova/host.h"
 
@@ -16,10 +15,9 @@ std::variant<std::string, Error> ReadFile(const std::string& path);
 // `text` with a `?` for each control character, so that a message is one line.
 std::string Printable(std::string_view text);
 
-// Flushes standard output, prints the errors to standard error, and ends the process with status 2.
+// Flushes standard output, prints the error to standard error, and ends the process with status 2.
 // A fake does this if it can't read its file, because its interface has no other way to report
 // errors.
-[[noreturn]] void ExitWith(const std::vector<Error>& errors);
 [[noreturn]] void ExitWith(const Error& error);
 
 }  // namespace cadrova::host

@@ -49,10 +49,11 @@ const CoreState::File& CoreState::LoadDefault() {
   const std::unique_lock lock(mutex_);
   if (owned_ == nullptr) {
     std::vector<Error> errors = LoadFile(DefaultPath());
-    for (Error& error : errors) {
-      if (error.place.line == 0) error.reason += "; name another file with CADROVA_HOST_DATA";
+    if (!errors.empty()) {
+      Error& first = errors.front();
+      if (first.place.line == 0) first.reason += "; name another file with CADROVA_HOST_DATA";
+      ExitWith(first);
     }
-    if (!errors.empty()) ExitWith(errors);
   }
   return *owned_;
 }

@@ -32,8 +32,10 @@ class Check : public Command {
  private:
   static int ReportErrors(const std::vector<host::Error>& errors) {
     if (errors[0].place.line == 0) throw Failure(errors[0]);  // The file can't be read.
-    std::vector<Finding> findings;
-    for (const host::Error& error : errors) findings.push_back({error.place, true, error.reason});
+    std::vector<Finding> findings(errors.size());
+    std::ranges::transform(errors, findings.begin(), [](const host::Error& error) {
+      return Finding{error.place, true, error.reason};
+    });
     Print(ToText(findings, errors[0].file));
     return kNegative;
   }

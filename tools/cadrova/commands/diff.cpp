@@ -65,8 +65,9 @@ class Diff : public Command {
     for (std::size_t i = 0; i < features.size(); ++i) {
       progress.Show(i, features.size());
       for (const auto& [chains, before, after] : families) {
-        if (!before[i]) continue;
-        const auto changes = FindChanges(chains, *before[i], *after[i]);
+        const auto &results_before = before[i], &results_after = after[i];
+        if (!results_before || !results_after) continue;
+        const auto changes = FindChanges(chains, *results_before, *results_after);
         if (changes.empty()) continue;
         use(features[i], chains, changes);
         status = kNegative;

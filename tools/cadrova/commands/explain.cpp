@@ -16,12 +16,10 @@
 namespace cadrova::tools {
 namespace {
 
-using MapNames = std::vector<std::string>;
-
 // The maps that contain the key but are not in the chain. Maps with a name similar to one in the
 // chain come first.
-std::vector<std::string> OtherMaps(const host::Contents& contents, const MapNames& chain,
-                                   const std::string& key) {
+std::vector<std::string> OtherMaps(const host::Contents& contents,
+                                   const std::vector<std::string>& chain, const std::string& key) {
   std::vector<std::pair<Suggestion, std::string>> ranked;  // a map in the chain, and the other map
   for (const auto& item : contents.items) {
     if (item.key != key || std::ranges::find(chain, item.map) != chain.end()) continue;
@@ -33,17 +31,18 @@ std::vector<std::string> OtherMaps(const host::Contents& contents, const MapName
     const auto& [suggestion, map] = entry;
     return std::tuple(suggestion.has_other_words, suggestion.distance, map);
   });
-  std::vector<std::string> lines;
-  for (const auto& [suggestion, map] : ranked) {
-    lines.push_back(DisplayName(map) + (suggestion.has_other_words
-                                            ? ""
-                                            : ", similar to " + DisplayName(suggestion.name)));
-  }
+  std::vector<std::string> lines(ranked.size());
+  std::ranges::transform(ranked, lines.begin(), [](const auto& entry) {
+    const auto& [suggestion, map] = entry;
+    const bool is_similar = !suggestion.has_other_words;
+    return DisplayName(map) + (is_similar ? ", similar to " + DisplayName(suggestion.name) : "");
+  });
   return lines;
 }
 
 // Similar keys, each with the first map of the chain that contains it, or else with any map.
-std::vector<std::string> SimilarKeys(const host::Contents& contents, const MapNames& chain,
+std::vector<std::string> SimilarKeys(const host::Contents& contents,
+                                     const std::vector<std::string>& chain,
                                      const std::string& key) {
   std::map<std::string, std::set<std::pair<std::ptrdiff_t, std::string>>> maps;  // by key
   for (const auto& item : contents.items) {
@@ -51,8 +50,8 @@ std::vector<std::string> SimilarKeys(const host::Contents& contents, const MapNa
     const auto position = std::ranges::find(chain, item.map) - chain.begin();
     maps[item.key].emplace(position, item.map);
   }
-  std::vector<std::string> keys;
-  for (const auto& [other, containing] : maps) keys.push_back(other);
+  std::vector<std::string> keys(maps.size());
+  std::ranges::transform(maps, keys.begin(), [](const auto& entry) { return entry.first; });
   auto suggestions = Suggest(key, keys);
   std::ranges::stable_sort(suggestions, {}, [&](const Suggestion& suggestion) {
     return std::tuple(suggestion.has_other_words, suggestion.distance,
@@ -71,7 +70,7 @@ std::vector<std::string> SimilarKeys(const host::Contents& contents, const MapNa
 std::string ToExplanationText(const Explanation& explanation) {
   if (!CanListContents()) return ToText(explanation, nullptr);
   const auto contents = ListContents();
-  MapNames chain;
+  std::vector<std::string> chain;
   for (const ChainEntry& entry : explanation.chain) chain.push_back(entry.map);
   const std::string& key = explanation.query.key;
   const DataFacts facts = {contents.file, OtherMaps(contents, chain, key),

@@ -35,11 +35,9 @@ class Matrix : public Command {
   int Run() override {
     RefuseCombination({{"--json", json_}, {"--csv", csv_}, {"--html", html_.has_value()}});
     data_.Apply();
-    if (key_) return ShowFeature(MakeQuery(*family_, *kind_, *key_));
-    if (family_ || !html_) {
-      throw Failure("give FAMILY, KIND and KEY; or none of them, with --html");
-    }
-    return WriteReportOfAll();
+    if (family_ && kind_ && key_) return ShowFeature(MakeQuery(*family_, *kind_, *key_));
+    if (!family_ && html_) return WriteReportOfAll(*html_);
+    throw Failure("give FAMILY, KIND and KEY; or none of them, with --html");
   }
 
  private:
@@ -56,7 +54,7 @@ class Matrix : public Command {
       HtmlReport report(CanListContents() ? ListContents().file : "", fleet);
       report.BeginFeature(query.key, query.kind);
       report.Add(*query.family, LayOut(chains, results));
-      Write(report);
+      Write(report, *html_);
     } else {
       Print(ToText(LayOut(chains, results), fleet));
     }
@@ -66,7 +64,7 @@ class Matrix : public Command {
     return kNegative;
   }
 
-  int WriteReportOfAll() const {
+  int WriteReportOfAll(const std::string& file) const {
     const auto contents = ListContents();
     const Fleet fleet = fleet_.ToFleet(MapNames(contents));
     const auto features = IndexFeatures(contents);
@@ -85,15 +83,15 @@ class Matrix : public Command {
         report.Add(chains.family(), LayOut(chains, chains.Collect(kind, key, &maps)));
       }
     }
-    Write(report);
+    Write(report, file);
     return kSuccess;
   }
 
-  void Write(const HtmlReport& report) const {
-    std::ofstream stream(*html_, std::ios::binary);
+  static void Write(const HtmlReport& report, const std::string& file) {
+    std::ofstream stream(file, std::ios::binary);
     stream << report.ToHtml();
     if (stream.flush()) return;
-    throw Failure("--html " + *html_ + ": " + std::generic_category().message(errno));
+    throw Failure("--html " + file + ": " + std::generic_category().message(errno));
   }
 
   std::optional<std::string> family_, kind_, key_, html_;

@@ -67,6 +67,7 @@ class Trace : public Command {
     SetVariable("CADROVA_TRACE", file_ ? EmptyFile(*file_) : "");
     SetVariable("CADROVA_TRACE_SHOW", steps_ ? "steps" : summary_ ? "summary" : "");
     std::vector<char*> arguments;
+    arguments.reserve(program_.size() + 1);
     for (std::string& argument : program_) arguments.push_back(argument.data());
     arguments.push_back(nullptr);
     execvp(arguments[0], arguments.data());

@@ -74,17 +74,17 @@ Results FleetChains::Collect(Kind kind, const std::string& key,
       }
     }
   }
-  std::optional<Results> results;
+  Results results({});
   DiscardStdout([&] {
-    results.emplace(LookUpAsIfOnlyIn(nullptr, query));
+    results = Results(LookUpAsIfOnlyIn(nullptr, query));
     for (const std::uint32_t id : candidates) {
       const Map& map = maps_[id];
       if (CoreContains(ExistenceTestOf(kind, map.is_sim), map.name, key)) {
-        results->Add(id, LookUpAsIfOnlyIn(&map, query));
+        results.Add(id, LookUpAsIfOnlyIn(&map, query));
       }
     }
   });
-  return std::move(*results);
+  return results;
 }
 
 std::uint32_t FleetChains::IdOf(const std::string& map, bool is_sim, std::size_t device) {
