@@ -71,9 +71,11 @@ std::string ToJson(const Feature& feature) {
 }
 
 void JsonArrayPrinter::Add(const std::string& json) {
-  constexpr std::size_t kMuch = 1U << 16U;
+  constexpr std::size_t kBufferSize = 1U << 16U;
   text_ += (std::exchange(is_empty_, false) ? "\n" : ",\n") + json;
-  if (text_.size() > kMuch) Print(std::exchange(text_, ""));
+  if (text_.size() <= kBufferSize) return;
+  Print(text_);
+  text_.clear();
 }
 
 void JsonArrayPrinter::Finish() { Print(text_ + (is_empty_ ? "]\n" : "\n]\n")); }
