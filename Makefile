@@ -3,28 +3,28 @@ PRESET ?= default
 
 MAKEFLAGS += --no-print-directory
 
-# Packages that a preset needs in addition to those of a plain build.
+# Groups of packages that a preset needs in addition to the group "build".
 SETUP_asan = check
 SETUP_tsan = check
 SETUP_fuzz = check
 SETUP_arm64 = arm64
 SETUP_bench = bench
 
-# Before anything is built for it.
+# Checked here, before anything is built.
 ifeq ($(filter install,$(MAKECMDGOALS))$(PREFIX),install)
-$(error PREFIX is missing; use make install PREFIX=/where)
+$(error PREFIX is missing; use make install PREFIX=/folder)
 endif
 
 .PHONY: help run test check bench format package install build program setup clean
 
 help:
-	@echo 'make run                     build the command and show what it does'
+	@echo 'make run                     build the command and run it on sample data'
 	@echo 'make test                    build everything and run all tests'
 	@echo 'make check                   run all other checks: style, sanitizers, arm64, packaging, fuzzers'
 	@echo 'make bench                   measure what a lookup costs'
 	@echo 'make format                  format all C++ sources'
 	@echo 'make package                 write build/default/cadrova-VERSION-SYSTEM.tar.gz'
-	@echo 'make install PREFIX=/where   install the library, the fakes and the command'
+	@echo 'make install PREFIX=/folder  install the library, the fakes and the command'
 	@echo 'make clean                   remove all builds'
 	@echo
 	@echo 'PRESET=gcc (or asan, tsan, arm64) selects another build for run, test, package and install.'
@@ -54,7 +54,7 @@ build: setup
 	@cmake --preset $(PRESET) --log-level=WARNING
 	@cmake --build --preset $(PRESET) --parallel $(shell nproc)
 
-# The command and all that it needs: everything that is installed, and no tests.
+# The command and everything that it needs. These are all installed files.
 program: setup
 	@cmake --preset $(PRESET) --log-level=WARNING
 	@cmake --build --preset $(PRESET) --parallel $(shell nproc) --target cadrova

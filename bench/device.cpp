@@ -1,5 +1,5 @@
-// A device that answers at once, so that the benchmarks measure the library. The property store has
-// two codes. Either all maps contain the item, or none does.
+// A core and a property store that return at once, so that the benchmarks measure the library.
+// Either all maps contain the item, or none does.
 
 #include "device.h"
 

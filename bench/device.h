@@ -1,4 +1,4 @@
-// The device of the benchmarks.
+// The core and the property store of the benchmarks.
 #pragma once
 
 #include <string>
@@ -9,7 +9,7 @@ extern struct Device {
   std::string region;
   std::string carrier;
   std::string element;        // each element of a list
-  bool contains_item = true;  // what every existence test answers
+  bool contains_item = true;  // what every existence test returns
 } device;
 
 }  // namespace bench

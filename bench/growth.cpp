@@ -5,9 +5,9 @@
 //                            Item i is an integer under "feature.i". The items are spread over four
 //                            maps: DEFAULT, the region's, the carrier's, and the one of both.
 //
-// Prints three times per call to standard error: of the library for 64 keys in turn, of GKeyFile
-// for the same, and of the library for all keys in turn. Each is the median of five. Use their
-// ratios only.
+// Prints three times, in nanoseconds per call, to standard error: of the library with 64 keys in
+// turn, of GKeyFile with the same keys, and of the library with all keys in turn. Each is the
+// median of five. Use only their ratios.
 
 #include <android-base/properties.h>
 #include <glib.h>
@@ -56,7 +56,7 @@ double Measure(long items, long features,
   const auto start = std::chrono::steady_clock::now();
   long feature = 0;
   for (long call = 0; call < calls; ++call) {
-    feature = (feature + 611'953) % features;  // a prime, so each key has its turn
+    feature = (feature + 611'953) % features;  // a prime number, so every key is used
     const long item = feature * (items / features);
     if (look_up("feature." + std::to_string(item)) != item) {
       std::fprintf(stderr, "growth: item %ld has another value\n", item);

@@ -1,5 +1,5 @@
-// The floor: the functions that the benchmarks call, written out by hand. They share no code, and
-// make the same copies and calls and print the same lines as the library.
+// The floor: the functions that the benchmarks call, written by hand. They share no code. They make
+// the same copies and calls as the library, and print the same lines.
 
 #include <android-base/properties.h>
 

@@ -1,4 +1,4 @@
-# Compiler flags, as targets to link: those that callers must share, and those of this project alone.
+# Compiler flags, as targets to link: those that callers must also use, and those of this project.
 
 include(cmake/standard_library.cmake)
 cadrova_find_standard_library("${CADROVA_STANDARD_LIBRARY_FLAG}" CADROVA_STANDARD_LIBRARY)
@@ -7,7 +7,7 @@ if(CADROVA_STANDARD_LIBRARY STREQUAL "none")
                       "can't link a C++ program with '${CADROVA_STANDARD_LIBRARY_FLAG}'; set "
                       "CMAKE_CXX_COMPILER to one that can, or CADROVA_STANDARD_LIBRARY_FLAG to another flag")
 endif()
-# The flag may be in CMAKE_CXX_FLAGS, which callers don't share.
+# The flag may be only in CMAKE_CXX_FLAGS, which callers do not get.
 if(CADROVA_STANDARD_LIBRARY STREQUAL "libc++")
   set(CADROVA_STANDARD_LIBRARY_FLAG -stdlib=libc++)
 endif()

@@ -2,7 +2,7 @@
 # sample data, and packages for find_package and pkg-config. The prefix can be moved.
 include(CMakePackageConfigHelpers)
 
-# Libraries that were given by path are not installed.
+# Libraries that are given by path are not installed.
 set(fakes)
 if(NOT CADROVA_BASE_LIBRARY)
   list(APPEND fakes cadrova_base)
@@ -57,7 +57,7 @@ foreach(package cadrova cadrova-host)
 endforeach()
 
 if(PROJECT_IS_TOP_LEVEL)
-  # The list for `uninstall`. Packing installs too, but only into its own folder.
+  # Writes the list for `uninstall`. CPack also runs this code, to install into its own folder.
   install(CODE [[
     if(NOT CMAKE_INSTALL_PREFIX MATCHES "/_CPack_Packages/")
       string(REGEX REPLACE "(^|;)/" "\\1$ENV{DESTDIR}/" installed "${CMAKE_INSTALL_MANIFEST_FILES}")

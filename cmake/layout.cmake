@@ -1,4 +1,4 @@
-# The build tree has the layout of an installation. Programs and libraries find other files relative
+# The build tree has the folders of an installation. Programs and libraries find other files relative
 # to their own path, so they work in both.
 
 if(CADROVA_INSTALL)
@@ -19,7 +19,8 @@ endforeach()
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/${CMAKE_INSTALL_BINDIR})
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/${CMAKE_INSTALL_LIBDIR})
 
-# The same run paths in both, and in addition the folders of libraries that were given by path.
+# The build tree and the installation have the same run paths. The folders of libraries that are given
+# by path are added.
 file(RELATIVE_PATH to_libraries ${CMAKE_RUNTIME_OUTPUT_DIRECTORY} ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
 set(CMAKE_INSTALL_RPATH $ORIGIN/${to_libraries})
 set(CMAKE_INSTALL_RPATH_USE_LINK_PATH ON)

@@ -1,4 +1,4 @@
-# Removes the files of the last installation from this build tree, by the list that it wrote.
+# Removes the files that the last installation from this build tree wrote, as its list says.
 set(manifest ${CMAKE_BINARY_DIR}/installed.txt)
 if(NOT EXISTS ${manifest})
   message(FATAL_ERROR "${manifest} does not exist: nothing was installed from this build tree")

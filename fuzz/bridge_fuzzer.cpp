@@ -1,7 +1,7 @@
 // Passes arbitrary blocks of all four layouts through the typed bridge. Compares the values and
-// their order with a simple model, and checks that each block is released exactly once and in
-// order, and the strings of pairs never. Each block is as short as its layout allows, so the
-// address sanitizer reports a read past its end.
+// their order with a simple model. Checks that each block is released exactly once and in order,
+// and that the strings of pairs are never released. Each block is as short as its layout allows, so
+// the address sanitizer reports a read past its end.
 
 #include <fuzzer/FuzzedDataProvider.h>
 
@@ -19,7 +19,7 @@ namespace {
 
 void* next_block = nullptr;
 
-// The core's blocks, each true until it is released.
+// The core's blocks. The value is true until the block is released.
 std::map<void*, bool> live;
 // The blocks that the library released, in order.
 std::vector<void*> released;
@@ -130,7 +130,7 @@ void __wrap_free(void* block) {
   __real_free(block);
 }
 
-// The core. The functions that are not fuzzed are only linked.
+// The core. The functions for numbers are linked but not fuzzed.
 cadrova_core_bool get_bool_from_map(const std::string&, const std::string&,
                                     cadrova_core_bool default_value) {
   return default_value;

@@ -1,5 +1,5 @@
-// Arbitrary bytes as the fake core's customization file and as the text of a SIM item. They give
-// items, or errors with a place and one line of text; never a crash.
+// Reads arbitrary bytes as a customization file of the fake core, and as the text of a SIM item.
+// The result must be items, or errors that have a place and one line of text, and never a crash.
 
 #include <cstdint>
 #include <cstdlib>

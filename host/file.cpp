@@ -42,7 +42,7 @@ std::string Printable(std::string_view text) {
   return printable;
 }
 
-void Stop(const Error& error) {
+void ExitWith(const Error& error) {
   std::fflush(stdout);
   std::fprintf(stderr, "%s\n", Printable(ToString(error)).c_str());
   std::_Exit(2);

@@ -1,4 +1,4 @@
-// How the fake core and the fake property store read files, and how they end a process.
+// How the fake core and the fake property store read files and report errors in them.
 #pragma once
 
 #include <string>
@@ -15,8 +15,9 @@ std::variant<std::string, Error> ReadFile(const std::string& path);
 // `text` with a `?` for each control character, so that a message is one line.
 std::string Printable(std::string_view text);
 
-// Flushes standard output, prints the error to standard error and ends the process with status 2.
-// A fake that can't read its file does this, as the interface that it implements has no errors.
-[[noreturn]] void Stop(const Error& error);
+// Flushes standard output, prints the error to standard error, and ends the process with status 2.
+// A fake does this if it can't read its file, because its interface has no other way to report
+// errors.
+[[noreturn]] void ExitWith(const Error& error);
 
 }  // namespace cadrova::host

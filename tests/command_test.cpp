@@ -37,9 +37,10 @@ float = 2.0
 float = 1.0
 )");
 
-// `line` has a bar between arguments; "cadrova" is the command again.
-Outcome Cadrova(const std::string& line, const std::string& setting = "CADROVA_HOST_DATA=" + kData,
-                const std::string& out = "") {
+// `line` contains arguments, separated by "|". The argument "cadrova" is the path of the command.
+ProgramResult Cadrova(const std::string& line,
+                      const std::string& setting = "CADROVA_HOST_DATA=" + kData,
+                      const std::string& out = "") {
   const Words command = {CADROVA_COMMAND};
   Words words = command;
   std::istringstream rest(line + '|');
@@ -134,7 +135,7 @@ TEST(Lookup, IsThatOfItsFamilyAndKind) {
       const std::string key = ToString(kind), function = family.FunctionName(kind);
       const std::string lookup =
           family.name + ('|' + key) + '|' + key + "|--sim|" + key + '=' + item;
-      const Outcome traced = Cadrova("trace|--|cadrova|get|" + lookup);
+      const ProgramResult traced = Cadrova("trace|--|cadrova|get|" + lookup);
       EXPECT_NE(traced.err.find(' ' + function + "(\"" + key + '"'), std::string::npos)
           << traced.err;
       const std::string explained = Cadrova("explain|--json|" + lookup).out;
@@ -150,7 +151,7 @@ TEST(Lookup, IsThatOfItsFamilyAndKind) {
   EXPECT_EQ(maps, "DEFAULT;;DEFAULT;;SIM_;");
 }
 
-// The table of families has every lookup that the library exports, and no other.
+// The table of families contains exactly the lookups that the library exports.
 TEST(Lookup, IsExported) {
   std::set<std::string> exported, known;
   const std::string symbols = FileContents(CADROVA_SOURCES "/abi/exports.txt");
@@ -233,13 +234,13 @@ not in chain   A
 )"}});
 }
 
-// Each mistake that data authors make, as explain and check show it.
-TEST(Data, WithAMistakeIsExplainedAndReported) {
+// What `explain` and `check` show for common errors of data authors.
+TEST(Data, WithAnErrorIsExplainedAndReported) {
   const std::string data = "[DEFAULT]\nring.seconds = 30\n[COTA_X1]\nring.seconds = 25\n";
   const struct {
-    std::string mistake, explained, finding;
+    std::string added, explained, finding;
     int status = 1;
-  } mistakes[] = {
+  } cases[] = {
       // clang-format off
       {"[COTA_EU_X1]\nring.seconds = 40", "not in chain   COTA_EU_X1, similar to COTA_X1_EU\n", "5:2: error: no device consults COTA_EU_X1; did you mean COTA_X1_EU?\n"},
       {"[cota_x1_eu]\nring.seconds = 40", "not in chain   cota_x1_eu, similar to COTA_X1_EU\n", "5:2: error: no device consults cota_x1_eu; did you mean COTA_X1_EU?\n"},
@@ -249,19 +250,19 @@ TEST(Data, WithAMistakeIsExplainedAndReported) {
       {"[COTA_X1_EU]\nRing.Seconds = 40", "similar keys   Ring.Seconds in COTA_X1_EU\n", "6:6: warning: only COTA_X1_EU contains Ring.Seconds; did you mean ring.seconds?\n", 0},
       {"[COTA_X1_EU]\nring.secnods = 40\n[EU]\nring.secnods = 40\nrnig.seconds = 1", "similar keys   ring.secnods in COTA_X1_EU and other maps\n               rnig.seconds in EU\n", "6:6: warning: redundant: without ring.secnods here, every lookup on every device returns the same\n6:6: warning: ring.secnods is not in DEFAULT\n9:6: warning: only EU contains rnig.seconds; did you mean ring.seconds?\n", 0},
       {"[COTA_X1_EU.ring]\nring.seconds = 40", "similar keys   ring.ring.seconds in COTA_X1_EU\n", "6:6: warning: only COTA_X1_EU contains ring.ring.seconds; did you mean ring.seconds?\n", 0},
-      {"[COTA_X1_EU]\nring.seconds = '40'", "\n  COTA_X1_EU    string, not int\n", "6:6: error: ring.seconds is string here, but int in DEFAULT\n"},
-      {"[COTA_X1_EU]\nring.seconds = 40.0", "\n  COTA_X1_EU    float, not int\n", "6:6: error: ring.seconds is float here, but int in DEFAULT\n"},
-      {"[COTA_X1_EU]\nring.seconds = []", "\n  COTA_X1_EU    string-array, int-array, map-array, not int\n", "6:6: error: ring.seconds is an empty list here, but int in DEFAULT\n"},
+      {"[COTA_X1_EU]\nring.seconds = '40'", "\n  COTA_X1_EU    string, not int\n", "6:6: error: ring.seconds is a string here, but an int in DEFAULT\n"},
+      {"[COTA_X1_EU]\nring.seconds = 40.0", "\n  COTA_X1_EU    float, not int\n", "6:6: error: ring.seconds is a float here, but an int in DEFAULT\n"},
+      {"[COTA_X1_EU]\nring.seconds = []", "\n  COTA_X1_EU    string-array, int-array, map-array, not int\n", "6:6: error: ring.seconds is an empty list here, but an int in DEFAULT\n"},
       // clang-format on
   };
-  for (const auto& [mistake, explained, finding, status] : mistakes) {
-    SCOPED_TRACE(mistake);
-    const std::string file = TemporaryFile("mistake.toml", data + mistake + '\n');
-    const Outcome outcome =
+  for (const auto& [added, explained, finding, status] : cases) {
+    SCOPED_TRACE(added);
+    const std::string file = TemporaryFile("added.toml", data + added + '\n');
+    const ProgramResult result =
         Cadrova("explain|carrier-region|int|ring.seconds|--region|EU|--carrier|X1|--data|" + file);
-    EXPECT_TRUE(outcome.out.starts_with("25, from COTA_X1\n")) << outcome.out;
-    EXPECT_NE(outcome.out.find(explained), std::string::npos) << outcome.out;
-    EXPECT_EQ(std::pair(outcome.err, outcome.status), std::pair(std::string(), 0));
+    EXPECT_TRUE(result.out.starts_with("25, from COTA_X1\n")) << result.out;
+    EXPECT_NE(result.out.find(explained), std::string::npos) << result.out;
+    EXPECT_EQ(std::pair(result.err, result.status), std::pair(std::string(), 0));
     Expect(Cadrova("check|" + file + "|--regions|,EU|--carriers|,X1"),
            std::regex_replace(finding, std::regex("(^|\n)(?=[0-9])"), "$1" + file + ':'), "",
            status);
@@ -278,7 +279,7 @@ TEST(Check, ReportsFindingsInTheOrderOfTheFile) {
   } cases[] = {
       // clang-format off
       {"[COTA_X1_EU]\nring = 40", "", 0, "|--regions|,EU|--carriers|,X1"},
-      {"[SIM_X1]\nring = 4.0\nfloat = 1.5", "6:1: error: ring is a float; no lookup reads floats from SIM maps\n6:1: error: ring is float here, but int in DEFAULT\n7:1: error: float is a float; no lookup reads floats from SIM maps\n", 1},
+      {"[SIM_X1]\nring = 4.0\nfloat = 1.5", "6:1: error: ring is a float here, but an int in DEFAULT\n6:1: error: ring is a float; no lookup reads floats from SIM maps\n7:1: error: float is a float; no lookup reads floats from SIM maps\n", 1},
       {"[COTA_X1_EU]\nring = 25\n[SIM_X1]\nring = 25", "6:1: warning: redundant: without ring" + redundant + "8:1: warning: redundant: without ring" + redundant},
       // A region called like a carrier's map, which its devices consult twice.
       {"", "", 0, "|--regions|COTA_X1|--carriers|X1"},
@@ -286,7 +287,7 @@ TEST(Check, ReportsFindingsInTheOrderOfTheFile) {
       // Needed by region lookups only.
       {"[EU]\nring = 35", "", 0, "|--regions|EU|--carriers|X1"},
       // An empty list is of the kind that the key has elsewhere.
-      {"l.m = []\n[DEFAULT.l]\nm = []\n[EU]\nl.m = [1]\n[COTA_N7]\nl.m = ['a']", "11:3: error: l.m is string-array here, but int-array in EU\n", 1},
+      {"l.m = []\n[DEFAULT.l]\nm = []\n[EU]\nl.m = [1]\n[COTA_N7]\nl.m = ['a']", "11:3: error: l.m is a string-array here, but an int-array in EU\n", 1},
       {"ab = 1\n[EU]\nab = 1\n[JP]\nac = 1", "5:1: warning: ab is not in DEFAULT\n9:1: warning: ac is not in DEFAULT\n"},
       {"[EU]\n[eu]", "6:2: warning: eu differs from EU only in case, word order or separators\n"},
       {"[COTA_X1_EU]\n[COTA_EU_X1]\nring = 1", "6:2: warning: COTA_EU_X1 differs from COTA_X1_EU only in case, word order or separators\n"},
@@ -297,9 +298,9 @@ TEST(Check, ReportsFindingsInTheOrderOfTheFile) {
   for (const auto& [more, found, status, options] : cases) {
     SCOPED_TRACE(more);
     const std::string file = TemporaryFile("checked.toml", data + more + '\n');
-    Outcome outcome = Cadrova("check|" + file + options);
-    outcome.out = std::regex_replace(outcome.out, std::regex(file + ':'), "");
-    Expect(outcome, found, "", status);
+    ProgramResult result = Cadrova("check|" + file + options);
+    result.out = std::regex_replace(result.out, std::regex(file + ':'), "");
+    Expect(result, found, "", status);
   }
   for (const std::string options : {"", "|--regions|EU,JP,US|--carriers|X1,N7"}) {
     Expect(Cadrova("check" + options, "A="), "", "");
@@ -442,7 +443,7 @@ TEST(Command, RefusesWithOneLineThatSaysWhy) {
       {"get|sim|int-array|k|x", "default 'x' is refused: list kinds take no default; a missing list is empty\n"},
       {int_k + "|1|-2", "not expected: -2; put arguments that start with \"-\" after \"--\"; see cadrova get --help\n"},
       {int_k + "|--jsn", "not expected: --jsn"}, {int_k + "|a\nb", "default 'a?b' is not an int"},
-      {region_k + "|--region|--carrier|X1", "--region: '--carrier' is an option; see"},
+      {region_k + "|--region|--carrier|X1", "--region: a value is missing before '--carrier'; see"},
       {"get|sim|int|k|1|--sim|a=b|z=y", "not expected: z=y"},
       {"explain|sim|int|k|--json|--steps", "--json and --steps can't be combined\n"},
       {"matrix", "cadrova: give FAMILY, KIND and KEY; or none of them, with --html\n"},
@@ -471,8 +472,8 @@ TEST(Command, RefusesWithOneLineThatSaysWhy) {
       {region_k, "/tmp: can't be read: Is a directory; name another file with CADROVA_HOST_PROPS\n", store + "/tmp"},
       // clang-format on
   };
-  const auto expect_refusal = [](const Outcome& outcome, const std::string& what) {
-    const auto& [out, err, status] = outcome;
+  const auto expect_refusal = [](const ProgramResult& result, const std::string& what) {
+    const auto& [out, err, status] = result;
     EXPECT_NE(err.find(what), std::string::npos) << err;
     EXPECT_EQ(err.find('\n'), err.size() - 1) << err;
     EXPECT_EQ(std::pair(out, status), std::pair(std::string(), 2)) << err;
@@ -489,13 +490,13 @@ TEST(Command, RefusesWithOneLineThatSaysWhy) {
   }
 }
 
-// The manual and the completions mention the options, commands, families and kinds of the program,
-// and no others.
+// The manual page and the completions mention exactly the options, commands, families and kinds of
+// the help texts.
 TEST(Help, AgreesWithTheManualAndTheCompletions) {
   std::string names = KindNames() + ", " + FamilyNames(), helps = Cadrova("--help").out;
   for (const CommandInfo& command : Commands()) {
     names += std::string(", ") + command.name;
-    const Outcome help = Cadrova(command.name + std::string("|--help"));
+    const ProgramResult help = Cadrova(command.name + std::string("|--help"));
     Expect(Cadrova(std::string("help|") + command.name), help.out, "");
     EXPECT_EQ(help.out.find("\n\n\n"), std::string::npos);
     EXPECT_FALSE(help.out.ends_with("\n\n"));

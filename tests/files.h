@@ -1,4 +1,4 @@
-// Files of a test program. They are in a folder of this process, which is removed at exit.
+// The files of a test program. They are in a temporary folder, which is removed at exit.
 #pragma once
 
 #include <unistd.h>
@@ -30,7 +30,7 @@ inline std::string FileContents(const std::string& path) {
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-// What has been written to the terminal behind `pseudoterminal` until nobody has it open any more.
+// Everything that is written to the terminal of `pseudoterminal` until all programs have closed it.
 inline std::string ReadAll(int pseudoterminal) {
   std::string text;
   char buffer[4096];

@@ -136,7 +136,7 @@ TEST_F(Kit, SetsItemsUntilTheNextLoadAndListsWhatLookupsFind) {
   expect_list("b 1:2\n");
 }
 
-// The tests of the command check that an item exists as its own kind.
+// command_test checks that an item exists as its own kind.
 TEST_F(FakeCore, FindsAnItemOnlyAsItsKindAndInItsMap) {
   EXPECT_FALSE(get_int_item_exist("default", "int")) << "map names are bytes";
   EXPECT_FALSE(get_int_item_exist("DEFAULT", "float"));
@@ -154,7 +154,7 @@ TEST_F(FakeCore, FindsAnItemOnlyAsItsKindAndInItsMap) {
   // clang-format on
   for (const auto& [key, exists] : sim_tests) {
     EXPECT_TRUE(exists("SIM_X1", key)) << key;
-    EXPECT_FALSE(exists("SIMX", key)) << key << " in a map that is no SIM map";
+    EXPECT_FALSE(exists("SIMX", key)) << key << " in a map that is not a SIM map";
   }
 }
 
@@ -192,7 +192,7 @@ pairs = [["a"], ["a", 1], ["a", "b", "c"], ["a", "\u0000"]]
   const std::string mixed =
       "an array must contain strings, integers or pairs of strings, and only one kind";
   const std::string pairs = "an array of arrays must contain pairs of strings";
-  const std::string duplicate = "feature key b.c.d is already in this map";
+  const std::string duplicate = "key b.c.d is already in this map";
   const std::string f = "<text>";
   // clang-format off
   const std::vector<Error> expected = {
@@ -266,7 +266,7 @@ TEST_F(FakePropertyStore, StartsWithThePropertiesOfItsFile) {
   EXPECT_EQ(GetProperty("k", "-"), "-");
 }
 
-// Values and lines are whole while another thread hands over SIM data and sets properties.
+// Values and lines are not mixed up while another thread sets SIM data and properties.
 TEST_F(FakeCore, SupportsLookupsInThreadsDuringChanges) {
   const std::string texts[] = {"short", std::string(100, 'l')};
   const auto is_whole = [&](const auto& text) { return text == texts[0] || text == texts[1]; };
@@ -299,7 +299,7 @@ TEST_F(FakeCore, SupportsLookupsInThreadsDuringChanges) {
   for (std::string line; std::getline(lines, line); ++count) different.insert(line);
   EXPECT_EQ(wrong, 0);
   EXPECT_EQ(count, 3 * 500 * 5) << "lines are missing";
-  // One per lookup, and one more for the second string.
+  // One line per lookup, and one more for the second string.
   EXPECT_LE(different.size(), 5U + 1) << "torn lines: " << testing::PrintToString(different);
 }
 

@@ -1,6 +1,6 @@
-// The library over a recording device. A transcript shows every step of lookups of each family. A
-// walk along every path covers the rest: all kinds, texts and positions in the chain, and unusual
-// codes and answers.
+// The library with a recording device. A transcript shows every step of lookups of each family. A
+// second test follows every path of every lookup: all kinds, texts and positions in the chain, and
+// unusual codes and returned values.
 
 #include <gtest/gtest.h>
 
@@ -53,7 +53,7 @@ Log Events(Log log) {
   return log;
 }
 
-// Calls the bridge with any byte for the `bool`, as a foreign caller may.
+// Calls the bridge with any byte for the `bool`, as a caller in another language may do.
 __attribute__((no_sanitize("undefined"))) bool GetBoolean(Byte default_value) {
   auto* const read = reinterpret_cast<void (*)()>(getBooleanFromRust);
   return reinterpret_cast<bool (*)(string, string, Byte)>(read)("M", "k", default_value);
@@ -108,9 +108,9 @@ TEST(Bridge, ConvertsAndFreesBlocksOfEveryShape) {
   EXPECT_DEATH(text(), "") << "a string block is never NULL";
 }
 
-// What varies by kind: names, the end of the printed line, the default as it is recorded, what the
-// core returns, and the value. Scalars and strings are read twice; the line shows the first
-// reading.
+// What differs between kinds: names, the end of the printed line, the default as it is recorded,
+// what the core returns, and the value. Scalars and strings are read twice; the line shows the
+// first reading.
 enum Kind { kBoolean, kInt, kFloat, kString, kStringArray, kIntArray, kMapArray };
 const std::tuple<bool, int, float, string> kDefaults = {true, 7, 0.5F, kOther};
 const struct {
@@ -131,8 +131,9 @@ const struct {
     // clang-format on
 };
 
-// What varies by family: the word in the names of its functions, the properties that it reads, the
-// maps whose existence tests it calls, and the words of its lines; the last are for "DEFAULT".
+// What differs between families: the word in the names of its functions, the properties that it
+// reads, the maps that it tests for the item, and the words of its lines. The last words are for
+// "DEFAULT".
 enum Family { kDefaultMap, kRegion, kCarrier, kCarrierAndRegion, kSim };
 struct Chain {
   string word;
@@ -154,43 +155,43 @@ std::vector<Chain> ChainsOf(const string& region, const string& carrier) {
   // clang-format on
 }
 
-// Adds the calls and lines of a lookup if the map at `place` of its chain is the first that
+// Adds the calls and lines of a lookup if the map at `position` of its chain is the first that
 // contains the item, or if none does.
 void AddCalls(Log& calls, const std::vector<Chain>& chains, Family family, Kind kind,
-              std::size_t place, const string& key, const string& recorded_default) {
+              std::size_t position, const string& key, const string& recorded_default) {
   const auto& [word, properties, maps, words] = chains[family];
   const string& core_name = kKinds[kind].name_in_core;
   for (const string& property : properties) calls.push_back(Call("GetProperty", {property, ""}));
-  for (std::size_t i = 0; i < maps.size() && i <= place; ++i) {
+  for (std::size_t i = 0; i < maps.size() && i <= position; ++i) {
     const string test = (family == kSim ? "sim_get_" : "get_") + core_name + "_item_exist";
     calls.push_back(Call(test, {maps[i], key}));
   }
-  if (family == kSim && place >= maps.size()) {
-    return AddCalls(calls, chains, kCarrierAndRegion, kind, place - maps.size(), key,
+  if (family == kSim && position >= maps.size()) {
+    return AddCalls(calls, chains, kCarrierAndRegion, kind, position - maps.size(), key,
                     recorded_default);
   }
-  Log arguments = {place < maps.size() ? maps[place] : "DEFAULT", key};
+  Log arguments = {position < maps.size() ? maps[position] : "DEFAULT", key};
   if (kind <= kString) arguments.push_back(recorded_default);
   const string read = Call("get_" + core_name + "_from_map", arguments);
   if (family != kDefaultMap) {
     if (kind <= kString) calls.push_back(read);
     string name = "get" + word + kKinds[kind].name;
-    if (name == "getCotaRegionCustMapArray") {  // The lines of this one name others.
-      name = place % 3 == 0 ? "getCotaCustMapArray" : "getCotaRegionCustStringArray";
+    if (name == "getCotaRegionCustMapArray") {  // Its lines name other functions.
+      name = position % 3 == 0 ? "getCotaCustMapArray" : "getCotaRegionCustStringArray";
     }
-    calls.push_back("print " + name + "Feature" + words[place] + kKinds[kind].line_end);
+    calls.push_back("print " + name + "Feature" + words[position] + kKinds[kind].line_end);
   }
   calls.push_back(read);
 }
 
-// Makes the map at `place` the first that contains the item. The maps before it answer with an even
-// byte, which means no; the maps after it contain the item too. Returns false if that can't be,
-// because two maps of the chain are the same.
-bool MakeFirst(std::size_t place, const Log& maps) {
+// Makes the map at `position` the first that contains the item. For the maps before it, existence
+// tests return an even byte, which means false. The maps after it also contain the item. Returns
+// false if this is impossible because two maps of the chain are the same.
+bool MakeFirst(std::size_t position, const Log& maps) {
   for (std::size_t i = maps.size(); i-- > 0;) {
-    device.exists[maps[i]] = i == place ? 255 : i > place ? 1 : 254;
+    device.exists[maps[i]] = i == position ? 255 : i > position ? 1 : 254;
   }
-  return place >= maps.size() || device.exists[maps[place]] == 255;
+  return position >= maps.size() || device.exists[maps[position]] == 255;
 }
 
 const struct {
@@ -199,7 +200,7 @@ const struct {
                 {" eU ", "x1 ", "k"}, {kBytes, kBytes, kBytes}, {"DEFAULT", "DEFAULT", "k"}};
 
 template <class Result, class... Default>
-void WalkEveryPath(Family family, Result (*lookup)(string, Default...)) {
+void FollowEveryPath(Family family, Result (*lookup)(string, Default...)) {
   const auto kind = static_cast<Kind>(Value(Result()).index());
   const auto& readings = kKinds[kind].readings;
   for (const auto& [region, carrier, key] : kDevices) {
@@ -207,17 +208,17 @@ void WalkEveryPath(Family family, Result (*lookup)(string, Default...)) {
     Log maps = chains[family].maps;
     const Log& more = chains[kCarrierAndRegion].maps;
     if (family == kSim) maps.insert(maps.end(), more.begin(), more.end());
-    for (std::size_t place = 0; place <= maps.size(); ++place) {
+    for (std::size_t position = 0; position <= maps.size(); ++position) {
       device = {{{"ro.orvel.region", region}, {"persist.sys.cota.carrier", carrier}}};
       device.readings = family == kDefaultMap ? std::deque{readings.back()} : readings;
-      if (!MakeFirst(place, maps)) continue;
+      if (!MakeFirst(position, maps)) continue;
       Value value;
       Log events = Events(Record([&] { value = lookup(key, std::get<Default>(kDefaults)...); }));
       std::erase_if(events, [](const string& event) { return event.starts_with("free "); });
       events.pop_back();  // "end"
       const string recorded_default = sizeof...(Default) > 0 ? kKinds[kind].recorded_default : "";
       Log expected;
-      AddCalls(expected, chains, family, kind, place, key, recorded_default);
+      AddCalls(expected, chains, family, kind, position, key, recorded_default);
       ExpectLog(events, expected);
       EXPECT_EQ(value, kKinds[kind].value);
       if (testing::Test::HasFailure()) return;
@@ -232,12 +233,14 @@ void WalkEveryPath(Family family, Result (*lookup)(string, Default...)) {
 #define LOOKUPS(Word) COMMON_LOOKUPS(Word), get##Word##FloatFeature
 
 TEST(Lookup, ConsultsItsChainAlongEveryPath) {
-  const auto walk = [](Family family, auto... lookups) { (WalkEveryPath(family, lookups), ...); };
-  walk(kDefaultMap, LOOKUPS(Cust));
-  walk(kRegion, LOOKUPS(RegionCust));
-  walk(kCarrier, LOOKUPS(CotaCust));
-  walk(kCarrierAndRegion, LOOKUPS(CotaRegionCust));
-  walk(kSim, COMMON_LOOKUPS(SimCust));
+  const auto follow = [](Family family, auto... lookups) {
+    (FollowEveryPath(family, lookups), ...);
+  };
+  follow(kDefaultMap, LOOKUPS(Cust));
+  follow(kRegion, LOOKUPS(RegionCust));
+  follow(kCarrier, LOOKUPS(CotaCust));
+  follow(kCarrierAndRegion, LOOKUPS(CotaRegionCust));
+  follow(kSim, COMMON_LOOKUPS(SimCust));
 }
 
 // The device's codes and the key are long, so every copy is counted. "~" is `kTail`.
@@ -325,7 +328,7 @@ print getCotaRegionCustIntFeature exist with the region : 1 \n
 1 GetProperty(persist.sys.cota.carrier, )
 3 cxx_sim_set_the_cadrova(CARRIER~, TEXT~, OTHER~)
 0 end)";
-#ifdef __GLIBCXX__  // It copies a long front before it appends to it.
+#ifdef __GLIBCXX__  // libstdc++ copies a long left operand of `+` before it appends to the copy.
   transcript = Replaced(transcript, "5 get", "6 get");
 #endif
   Log expected;

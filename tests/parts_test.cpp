@@ -60,7 +60,7 @@ TEST(Fleet, IsDerivedFromTheNamesOfMaps) {
       {{"US", "EU", "SIM_X1", "COTA_N7"}, {"", "EU", "US"}, {"", "N7", "X1"}},
       {{"EU", "COTA_A_B_EU"}, {"", "EU"}, {"", "A_B"}},     // the region is known
       {{"COTA_X1_JP", "COTA_X1"}, {"", "JP"}, {"", "X1"}},  // the carrier is known
-      {{"COTA_A_B"}, {""}, {"", "A_B"}},                    // neither is known
+      {{"COTA_A_B"}, {""}, {"", "A_B"}},                    // region and carrier are unknown
       {{"COTA_X1_EU_EU", "EU", "EU_EU"}, {"", "EU", "EU_EU"}, {"", "X1"}},
   };
   for (const auto& [maps, regions, carriers] : cases) {
@@ -164,8 +164,8 @@ TEST(Matrix, ListsExceptionsOfSingleDevicesIfTheTableWouldBeTooLarge) {
                 exceptions);
 }
 
-// A region may be called like a map with SIM data, which other tests of the core are for.
-TEST(Matrix, KeepsAMapWithSimDataApartFromARegionOfThatName) {
+// A region code may be the name of a SIM map. The core has separate existence tests for SIM data.
+TEST(Matrix, DistinguishesASimMapFromARegionOfTheSameName) {
   const Matrix matrix("", {{"SIM_X1"}, {"X1"}}, "sim", Kind::kInt);
   EXPECT_EQ(Join(matrix.chains.MapNames()),
             "SIM_X1, SIM_DEFAULT, COTA_X1_SIM_X1, COTA_X1, SIM_X1, DEFAULT");
@@ -211,8 +211,8 @@ TEST(Json, HasAllElementsOfALongArrayAndFloatsThatAreNoNumbers) {
 )");
 }
 
-// A map can be at different places of the chains of two devices.
-TEST(HtmlReport, IsLikeTheGoldenFile) {
+// The same map has different positions in the chains of two devices.
+TEST(HtmlReport, IsEqualToTheGoldenFile) {
   Matrix::Load(R"([DEFAULT]
 k = 30
 name = 'a "b" <c>&'

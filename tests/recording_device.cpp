@@ -24,7 +24,7 @@ std::vector<const void*> allocated;       // by the library since the previous l
 std::vector<const void*> private_copies;  // of the last call, until they are destroyed
 bool is_recording_heap = false;
 
-// Keeps the heap traffic of the test itself out of the log.
+// While it exists, allocations of the test itself are not recorded.
 struct HeapPause {
   const bool was_recording = std::exchange(is_recording_heap, false);
   ~HeapPause() { is_recording_heap = was_recording; }
@@ -86,7 +86,8 @@ Reading NextReading() {
   return reading;
 }
 
-// By name and size. Never destroyed, so that the leak checker reaches every block.
+// The name and the size of each block. Never destroyed, so that the leak checker does not report
+// the blocks.
 auto& Blocks() {
   static auto& blocks = *new std::map<void*, std::pair<std::string, std::size_t>>;
   return blocks;

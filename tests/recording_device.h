@@ -1,5 +1,5 @@
-// A parser core, property store, standard output and heap for the library test. They answer as the
-// test says, and record what the library does with them.
+// A parser core, a property store, standard output and a heap for the library test. The test sets
+// what they return. They record what the library does with them.
 #pragma once
 
 #include <cstdint>
@@ -15,7 +15,7 @@ namespace recording {
 using Byte = std::uint8_t;
 using IntBlock = std::vector<std::int32_t>;
 using PointerBlock = std::vector<const char*>;
-// nullptr for no block.
+// nullptr if there is no block.
 using Reading = std::variant<std::nullptr_t, Byte, int, float, std::string, IntBlock, PointerBlock>;
 
 struct Device {

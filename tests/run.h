@@ -14,15 +14,15 @@
 
 using Words = std::vector<std::string>;
 
-struct Outcome {
+struct ProgramResult {
   std::string out, err;
   int status;  // the exit status, or 128 + the signal that ended the program
 };
 
-// Runs `words` with the environment variables `settings`, each NAME=value. If `out` or `err` names
-// a file, that output goes there and is "" in the outcome.
-inline Outcome RunProgram(const Words& words, const Words& settings = {}, std::string out = "",
-                          std::string err = "") {
+// Runs the command line `words` with the environment variables `settings`, each NAME=value. If
+// `out` or `err` names a file, that output goes to the file and is "" in the result.
+inline ProgramResult RunProgram(const Words& words, const Words& settings = {},
+                                std::string out = "", std::string err = "") {
   Words all = {"env", "-u", "CADROVA_HOST_PROPS"};
   all.insert(all.end(), settings.begin(), settings.end());
   all.insert(all.end(), words.begin(), words.end());
@@ -45,9 +45,9 @@ inline Outcome RunProgram(const Words& words, const Words& settings = {}, std::s
           WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status)};
 }
 
-inline void Expect(const Outcome& outcome, const std::string& out, const std::string& err,
+inline void Expect(const ProgramResult& result, const std::string& out, const std::string& err,
                    int status = 0) {
-  EXPECT_EQ(outcome.out, out);
-  EXPECT_EQ(outcome.err, err);
-  EXPECT_EQ(outcome.status, status) << outcome.err;
+  EXPECT_EQ(result.out, out);
+  EXPECT_EQ(result.err, err);
+  EXPECT_EQ(result.status, status) << result.err;
 }

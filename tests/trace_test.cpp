@@ -1,5 +1,5 @@
-// Programs under `cadrova trace`: the lines about their lookups, and that the programs themselves
-// behave the same.
+// Programs that `cadrova trace` runs: the lines about their lookups, and that the programs behave
+// as without it.
 
 #include <gtest/gtest.h>
 
@@ -29,8 +29,8 @@ Words Traced(const Words& options, const Words& program) {
   return Words{CADROVA_COMMAND, "trace"} + options + Words{"--"} + program;
 }
 
-// The trace with a letter for each process ID, in the order in which they appear, and T for each
-// thread ID.
+// The trace with letters instead of numbers: A for the first process ID, B for the next, and T for
+// each thread ID.
 std::string WithLetters(const std::string& trace) {
   std::string text;
   std::map<std::string, char> letters;
@@ -117,8 +117,8 @@ lookups  default  key   kind  from maps  last value
 )"},
   };
   for (const auto& [options, program, trace, status] : cases) {
-    const Outcome alone = RunProgram(program, kSettings),
-                  traced = RunProgram(Traced(options, program), kSettings);
+    const ProgramResult alone = RunProgram(program, kSettings),
+                        traced = RunProgram(Traced(options, program), kSettings);
     EXPECT_EQ('\n' + WithLetters(traced.err), trace);
     EXPECT_EQ(std::pair(traced.out, traced.status), std::pair(alone.out, status));
     EXPECT_EQ(alone.status, status);

@@ -17,9 +17,9 @@ namespace android::base {
 namespace {
 
 using cadrova::host::Error;
+using cadrova::host::ExitWith;
 using cadrova::host::Printable;
 using cadrova::host::ReadFile;
-using cadrova::host::Stop;
 using Properties = std::map<std::string, std::string>;
 
 std::string_view WithoutBlanksAround(std::string_view text) {
@@ -27,8 +27,9 @@ std::string_view WithoutBlanksAround(std::string_view text) {
   return text.substr(0, text.find_last_not_of(" \t") + 1);
 }
 
-// The key and the value of `line`, or nothing if it is no property. A line is `key=value`, with or
-// without blanks around both, or `[key]: [value]`, whose value keeps its blanks.
+// The key and the value of `line`, or nothing if it is not a property. A line is `key=value`, with
+// or without blanks around key and value, or `[key]: [value]`, in which blanks are part of the
+// value.
 std::optional<std::pair<std::string, std::string>> ParseLine(std::string_view line) {
   std::string_view key, value;
   if (line.starts_with('[')) {
@@ -53,7 +54,7 @@ Properties Load(const char* file) {
   auto contents = ReadFile(file);
   if (auto* error = std::get_if<Error>(&contents)) {
     error->reason += "; name another file with CADROVA_HOST_PROPS";
-    Stop(*error);
+    ExitWith(*error);
   }
   std::string_view rest = std::get<std::string>(contents);
   constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
@@ -67,7 +68,7 @@ Properties Load(const char* file) {
     auto property = ParseLine(line);
     if (!property) {
       const std::string quoted = Printable(line.substr(0, 100));
-      Stop(Error{file, {number, 0}, "not a key=value line: " + quoted, {}});
+      ExitWith(Error{file, {number, 0}, "not a key=value line: " + quoted, {}});
     }
     properties.insert_or_assign(std::move(property->first), std::move(property->second));
   }
@@ -83,7 +84,7 @@ class PropertyStore {
     return store;
   }
 
-  // Calls `visitor` with the properties, which no other thread uses meanwhile. Returns its result.
+  // Calls `visitor` with the properties, while no other thread uses them. Returns what it returns.
   auto Visit(auto visitor) {
     const std::lock_guard lock(mutex_);
     if (!properties_) properties_ = Load(std::getenv("CADROVA_HOST_PROPS"));

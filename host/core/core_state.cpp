@@ -52,7 +52,7 @@ const CoreState::File& CoreState::LoadDefault() {
     if (!errors.empty()) {
       Error& first = errors.front();
       if (first.place.line == 0) first.reason += "; name another file with CADROVA_HOST_DATA";
-      Stop(first);
+      ExitWith(first);
     }
   }
   return *owned_;

@@ -14,8 +14,8 @@
 
 namespace cadrova::host {
 
-// The data of a customization file, and SIM data that was handed over, which takes precedence. The
-// data of the file changes only while no lookup runs, so lookups read it without a lock.
+// The data of a customization file, and SIM data, which takes precedence. The data of the file
+// changes only while no lookup runs, so lookups read it without a lock.
 class CoreState {
  public:
   struct File {
@@ -31,8 +31,9 @@ class CoreState {
 
   static bool IsSim(std::string_view map) { return map.starts_with("SIM_"); }
 
-  // Calls `visitor` with a pointer to the value under `key` in `map`, or with NULL if there is none
-  // of type `Type`. Returns its result. The pointer is valid only during the call.
+  // Calls `visitor` with a pointer to the value under `key` in `map`, or with NULL if there is no
+  // value of type `Type`. The pointer is valid only during the call. Returns what `visitor`
+  // returns.
   template <class Type>
   auto Visit(const std::string& map, const std::string& key, auto visitor) {
     if (IsSim(map)) {
@@ -43,13 +44,13 @@ class CoreState {
     return visitor(item == nullptr ? nullptr : As<Type>(item->value));
   }
 
-  // The loaded file, or else the default file, which it loads.
+  // The loaded file. If there is none, loads the default file first.
   const File& GetFile() {
     const File* file = file_.load(std::memory_order_acquire);
     return file != nullptr ? *file : LoadDefault();
   }
 
-  // Both return the errors of the document; if there are any, the data stays as it was.
+  // Both return the errors in the document. If there are any, the data does not change.
   std::vector<Error> LoadFile(const std::string& path);
   std::vector<Error> LoadText(const std::string& toml);
   void SetItem(const std::string& map, const std::string& key, StoredValue value);
@@ -76,7 +77,7 @@ class CoreState {
   std::shared_mutex mutex_;  // Guards `sim_`, and `LoadDefault` against itself.
   Store sim_;
   std::unique_ptr<File> owned_;
-  std::atomic<const File*> file_ = nullptr;  // What `owned_` points to, for lookups.
+  std::atomic<const File*> file_ = nullptr;  // The same pointer as `owned_`, for lookups.
 };
 
 }  // namespace cadrova::host

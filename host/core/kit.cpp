@@ -11,7 +11,7 @@
 namespace cadrova::host {
 namespace {
 
-// Sorts `list` by `id`, and keeps the first of several elements with the same one.
+// Sorts `list` by `id`. Of several elements with the same id, only the first remains.
 void SortUnique(auto& list, auto id) {
   std::ranges::stable_sort(list, {}, id);
   const auto rest = std::ranges::unique(list, {}, id);
@@ -20,7 +20,7 @@ void SortUnique(auto& list, auto id) {
 
 }  // namespace
 
-// Weak, as a real libbase does not define it.
+// Weak, because a real libbase does not define it.
 [[gnu::weak]] void ClearProperties();
 
 // Everything else in this library is hidden.
@@ -44,7 +44,7 @@ Contents List() {
   const CoreState::File& file = state.GetFile();
   Contents contents;
   contents.file = file.name;
-  // SIM items that were handed over come first, so that they are listed and not those of the file.
+  // SIM data that was set comes first, so it is listed instead of items of the file.
   state.AppendSimTo(contents);
   file.store.AppendTo(contents);
   for (const Contents::Item& item : contents.items) {

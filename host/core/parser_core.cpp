@@ -1,4 +1,4 @@
-// The interface of the parser core, implemented by the fake core.
+// The functions of the parser core, as the fake core implements them.
 
 #include "parser_core.h"
 
@@ -30,7 +30,7 @@ bool Exists(const std::string& map, const std::string& key) {
 template <class Element>
 Element* Block(std::size_t count) {
   void* block = std::malloc(count * sizeof(Element));
-  if (block == nullptr) Stop(Error{"libcadrova_ffi.so", {}, "out of memory", {}});
+  if (block == nullptr) ExitWith(Error{"libcadrova_ffi.so", {}, "out of memory", {}});
   return static_cast<Element*>(block);
 }
 
@@ -38,7 +38,7 @@ char* StringBlock(const std::string& value) {
   return std::strcpy(Block<char>(value.size() + 1), value.c_str());
 }
 
-// Each string is an allocation of its own, as the caller frees them one by one.
+// Each string is a separate allocation, because the caller frees them one by one.
 char** StringArrayBlock(const StringArray* list) {
   if (list == nullptr) return nullptr;
   char** const block = Block<char*>(list->size() + 1);
@@ -56,8 +56,8 @@ std::int32_t* IntArrayBlock(const IntArray* list) {
   return block;
 }
 
-// The strings follow the pointers in the one allocation that the caller frees. So they stay valid
-// when the data changes.
+// The caller frees only this one allocation. It contains the pointers and then the strings, so the
+// strings stay valid when the data changes.
 char** PairArrayBlock(const MapArray* list) {
   if (list == nullptr) return nullptr;
   const std::size_t slots = 2 * list->size() + 1;

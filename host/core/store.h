@@ -16,7 +16,7 @@
 
 namespace cadrova::host {
 
-// An empty TOML array. It has no element that tells its kind, so it is of every list kind.
+// An empty TOML array. Without elements its kind is unknown, so it exists as every list kind.
 struct EmptyList {};
 
 template <class>
@@ -26,8 +26,7 @@ struct WithEmptyList<std::variant<Types...>> {
   using Type = std::variant<Types..., EmptyList>;
 };
 
-// A value as the store keeps it; its alternatives are those of `Value`, in the same order, and
-// EmptyList.
+// A value in the store. Its alternatives are those of `Value`, in the same order, and EmptyList.
 using StoredValue = WithEmptyList<Value>::Type;
 
 // The content of `value` if its kind is that of `Type`, or else NULL.
@@ -46,7 +45,7 @@ class Store {
  public:
   struct Item {
     StoredValue value;
-    Place place;  // In the file; none for an item that was set.
+    Place place;  // In the file. None for an item that was set.
   };
 
   // The item under `key` in `map`, or NULL. The pointer stays valid when other items are set.
@@ -62,7 +61,7 @@ class Store {
   // Lists `map` even if it contains no item.
   void AddMap(const std::string& map, Place place) { maps_.push_back({map, place}); }
 
-  // Appends to `contents` the maps that were added and all items, in no particular order.
+  // Appends the added maps and all items to `contents`, in any order.
   void AppendTo(Contents& contents) const;
 
  private:
@@ -70,7 +69,7 @@ class Store {
   struct Id {
     String map, key;
   };
-  // Transparent, so that `Find` needs no copies of the names.
+  // Transparent, so that `Find` does not copy the names.
   struct Hash {
     using is_transparent = void;
     std::size_t operator()(const auto& id) const {
@@ -86,7 +85,7 @@ class Store {
   };
 
   std::vector<Contents::Map> maps_;
-  // The number of buckets is a power of two. It stays one when the table grows, and libc++ then
+  // The number of buckets is a power of two, also after the table grows. For such a number, libc++
   // finds a bucket without a division.
   std::unordered_map<Id<std::string>, Item, Hash, Equal> items_{1024};
 };

@@ -26,8 +26,8 @@ bool IsPartOfKey(char byte) {
          byte == '-' || byte == ' ' || byte == '\t';
 }
 
-// The end of the string whose opening quotes are at `at`. If it is never closed, or toml++ must not
-// read on in it, the offset of that place.
+// The offset of the end of the string whose opening quotes are at `at`. If the string is not
+// closed, or contains a character that might crash toml++, the offset at which that is seen.
 std::size_t EndOfString(std::string_view toml, std::size_t at) {
   const char quote = toml[at];
   const bool has_lines = toml.substr(at).starts_with(std::string(3, quote));
@@ -42,7 +42,7 @@ std::size_t EndOfString(std::string_view toml, std::size_t at) {
     if (at == escaped) ++at;
   }
   at += quotes.size();
-  // If there are up to two more quotes, the last three close it.
+  // If one or two more quotes follow, they belong to the string.
   for (int more = 0; has_lines && more < 2 && toml.substr(at).starts_with(quote); ++more) ++at;
   return at;
 }
@@ -51,8 +51,8 @@ std::size_t EndOfString(std::string_view toml, std::size_t at) {
 
 std::optional<Error> FindUnsafeToml(std::string_view toml, const std::string& file) {
   std::string open;       // the open brackets of values
-  bool in_value = false;  // not in a key or in the header of a table
-  bool in_word = false;   // in a value without quotes, which quotes do not end
+  bool in_value = false;  // or else in a key or in the header of a table
+  bool in_word = false;   // in a value without quotes, in which quotes have no meaning
   int dots = 0;           // in the current key
   const auto error_at = [&](std::size_t offset, std::string reason) {
     return Error{file, PlaceOf(offset, toml), std::move(reason), {}};

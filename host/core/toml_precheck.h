@@ -1,4 +1,4 @@
-// Rejects documents that toml++ can't survive.
+// Rejects documents that would crash toml++.
 #pragma once
 
 #include <optional>
@@ -9,13 +9,12 @@
 
 namespace cadrova::host {
 
-// The first place in the document `toml` that toml++ might not survive:
-// - A key of very many parts: its tables are nested, and toml++ destroys them by recursion.
-// - A character beyond ASCII where toml++ skips blanks, as it declares that case unreachable. That
-// is
-//   outside quotes, where TOML allows no such character, and after a backslash that ends a line in
+// Returns an error for the first place in the document `toml` that might crash toml++:
+// - A key of very many parts. Its tables are nested, and toml++ destroys them by recursion.
+// - A character beyond ASCII at a place at which toml++ skips blanks, because it declares this case
+//   unreachable. Such places are outside quotes, and after a backslash at the end of a line in
 //   quotes.
-// toml++ itself reports all other syntax errors. The error calls the document `file`.
+// toml++ itself reports all other syntax errors. `file` is the name of the document in the error.
 std::optional<Error> FindUnsafeToml(std::string_view toml, const std::string& file);
 
 }  // namespace cadrova::host

@@ -8,8 +8,8 @@
 #include <utility>
 #include <variant>
 
-// toml++ asserts conditions that it then checks and reports as errors, such as that a key begins
-// with a character of keys. With NDEBUG it would assume them instead.
+// toml++ asserts some conditions that it then checks, and reports as errors if they are false. With
+// NDEBUG, it would let the compiler assume that they are true.
 #undef NDEBUG
 #define TOML_ASSERT(expression) static_assert(true)
 #define TOML_EXCEPTIONS 0
@@ -44,7 +44,7 @@ class Reader {
     }
     toml::parse_result document = toml::parse(toml);
     if (document) return std::move(document).table();
-    Report(document.error().source(), document.error().description());
+    AddError(document.error().source(), document.error().description());
     return std::nullopt;
   }
 
@@ -55,12 +55,12 @@ class Reader {
         store.AddMap(map, BeginOf(name.source()));
         ReadMap(*table, map, store);
       } else {
-        Report(name.source(), map + " is outside every map; put it below a [MAP] line");
+        AddError(name.source(), map + " is outside every map; put it below a [MAP] line");
       }
     }
   }
 
-  // The value of `node`. After an error, a value that means nothing.
+  // The value of `node`. After an error, any value.
   StoredValue ReadValue(const toml::node& node) {
     if (const auto* value = node.as_boolean()) return value->get();
     if (const auto* value = node.as_integer()) return Int(*value);
@@ -71,10 +71,10 @@ class Reader {
       if (array->is_homogeneous<std::string>()) return Strings(*array);
       if (array->is_homogeneous<std::int64_t>()) return Ints(*array);
       if (array->is_homogeneous<toml::array>()) return Pairs(*array);
-      Report(node.source(),
-             "an array must contain strings, integers or pairs of strings, and only one kind");
+      AddError(node.source(),
+               "an array must contain strings, integers or pairs of strings, and only one kind");
     } else {
-      Report(node.source(), "a date or time is not a supported value");
+      AddError(node.source(), "a date or time is not a supported value");
     }
     return EmptyList();
   }
@@ -93,18 +93,18 @@ class Reader {
     const toml::node* node;
   };
 
-  void Report(const toml::source_region& source, std::string_view reason) {
+  void AddError(const toml::source_region& source, std::string_view reason) {
     errors_.push_back({file_, BeginOf(source), Printable(reason), {}});
   }
 
   void ReadMap(const toml::table& table, const std::string& map, Store& store) {
     std::vector<Leaf> leaves;
     AppendLeaves(table, "", leaves);
-    // toml++ sorts by name; of two equal keys the second in the document is the duplicate.
+    // toml++ sorts by name. Of two equal keys, the second in the document is the duplicate.
     std::ranges::sort(leaves, IsBefore, &Leaf::place);
     for (const auto& [key, place, node] : leaves) {
       if (const Store::Item* first = store.Find(map, key)) {
-        const std::string reason = "feature key " + key + " is already in this map";
+        const std::string reason = "key " + key + " is already in this map";
         errors_.push_back({file_, place, Printable(reason), first->place});
       } else {
         store.Set(map, key, ReadValue(*node), place);
@@ -126,7 +126,7 @@ class Reader {
 
   std::int32_t Int(const toml::value<std::int64_t>& node) {
     if (!std::in_range<std::int32_t>(node.get())) {
-      Report(node.source(), std::to_string(node.get()) + " does not fit in 32 bits");
+      AddError(node.source(), std::to_string(node.get()) + " does not fit in 32 bits");
     }
     return static_cast<std::int32_t>(node.get());
   }
@@ -134,14 +134,14 @@ class Reader {
   float Float(const toml::value<double>& node) {
     const auto value = static_cast<float>(node.get());
     if (std::isinf(value) && !std::isinf(node.get())) {
-      Report(node.source(), "beyond the range of a 32-bit float");
+      AddError(node.source(), "beyond the range of a 32-bit float");
     }
     return value;
   }
 
   std::string String(const toml::value<std::string>& node) {
     if (node->find('\0') != std::string::npos) {
-      Report(node.source(), "a string must not contain a NUL byte, which would end it");
+      AddError(node.source(), "a string must not contain a NUL byte, which would end it");
     }
     return node.get();
   }
@@ -165,7 +165,7 @@ class Reader {
       if (pair.size() == 2 && pair.is_homogeneous<std::string>()) {
         list.emplace_back(String(*pair[0].as_string()), String(*pair[1].as_string()));
       } else {
-        Report(pair.source(), "an array of arrays must contain pairs of strings");
+        AddError(pair.source(), "an array of arrays must contain pairs of strings");
       }
     }
     return list;
@@ -197,8 +197,7 @@ StoredValue SimValueFromText(const std::string& text) {
   if (!document) return text;
   const toml::node& node = *document->get("value");
   StoredValue value = reader.ReadValue(node);
-  // A text is a TOML value only as a whole: with a blank, a comment or a line after it, it is a
-  // string.
+  // If a blank, a comment or a line follows the value, the text is a string.
   const bool is_whole =
       node.source().end.line == 1 && node.source().end.column == CharacterCount(line) + 1;
   return is_whole && reader.TakeErrors().empty() ? value : text;

@@ -14,15 +14,15 @@
 ///   MapArray     std::vector<std::pair<std::string, std::string>>     an empty list
 ///
 /// The library passes `default_value` to the core, which returns it if the item is missing. The
-/// core decides everything else about the data too, for example whether an item of one kind exists
-/// as another. MapArray pairs are (key, value), in the order of the data; duplicates are kept. A
+/// core also decides everything else about the data, for example whether an item of one kind exists
+/// as another kind. MapArray pairs are (key, value), in the order of the data, with duplicates. A
 /// String ends before its first NUL byte.
 ///
 /// Arguments and results are values, which the caller owns. Any string may be empty; the core gets
-/// it unchanged. There is no error result, and the library throws nothing: it ends the process if
-/// memory runs out, or if a length is greater than the standard library can represent. (If
-/// `operator new` throws a std::bad_alloc and the program catches it, the exception passes through
-/// the library, which releases nothing.)
+/// it unchanged. No function reports an error or throws: the process ends if memory runs out, or if
+/// a length is greater than the standard library can represent. (If `operator new` throws
+/// std::bad_alloc and the program catches it, the exception passes through the library, which then
+/// releases no memory.)
 ///
 /// Thread safety: any function may be called from any thread at any time. The library has no state,
 /// takes no lock and needs no initialisation.
@@ -75,10 +75,10 @@ CADROVA_EXPORT std::vector<std::pair<std::string, std::string>> getCustMapArrayF
 /// The customization for the device's region. The system property `ro.orvel.region` is the region
 /// code. The item under `key` comes from the map with that name, or else from "DEFAULT".
 ///
-/// These and all lookups below read the properties in each call, and print one line to standard
-/// output that says which map the value comes from. For a scalar or a string, they read the value,
-/// print it, and read it again for the result. For a list, they print the line, then read the value
-/// once.
+/// Region lookups and all lookups below read the properties in each call. They print one line to
+/// standard output, which says which map the value comes from. For a scalar or a string, they read
+/// the value, print it, and read it again for the result. For a list, they print the line, then
+/// read the value once.
 /// @{
 CADROVA_EXPORT bool getRegionCustBooleanFeature(std::string key, bool default_value);
 CADROVA_EXPORT int getRegionCustIntFeature(std::string key, int default_value);
@@ -137,8 +137,8 @@ CADROVA_EXPORT std::vector<std::pair<std::string, std::string>> getSimCustMapArr
     std::string key);
 /// @}
 
-/// Hands two strings of SIM customization over to the core, first under "SIM_DEFAULT", then under
-/// the carrier code. The core decides what they mean. Prints nothing.
+/// Passes two strings of SIM customization data to the core, first under the name "SIM_DEFAULT",
+/// then under the carrier code. The core decides what they mean. Prints nothing.
 CADROVA_EXPORT void setSimCadrova(std::string first, std::string second);
 
 }  // namespace android

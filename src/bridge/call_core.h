@@ -5,9 +5,9 @@
 
 namespace android::cadrova_cpp {
 
-// Calls `function` once. The core gets private copies of all strings and never sees the caller's
-// own objects; the copies are destroyed before the caller reads the answer. `rest` is the default
-// value, or the second string of a hand-over.
+// Calls `function` once. The core gets private copies of all strings, never the caller's objects.
+// The copies are destroyed before this function returns. `rest` is the default value, or the second
+// string of SIM data.
 template <class Function, class... Rest>
 inline auto CallCore(Function* function, const std::string& map, const std::string& key,
                      const Rest&... rest) {

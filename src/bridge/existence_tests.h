@@ -1,5 +1,6 @@
-// The core's existence tests in one list, for code that defines all of them. TEST and SIM_TEST are
-// macros that take the function's name and the type of the values; SIM_TEST is for SIM data.
+// The core's existence tests in one list, for code that defines or selects one of them. TEST and
+// SIM_TEST are macros that take the name of the function and the type of the values. SIM_TEST is
+// for the tests of SIM data.
 #pragma once
 
 #define CADROVA_EXISTENCE_TESTS(TEST, SIM_TEST)     \

@@ -21,7 +21,7 @@ extern "C" {
 
 // A `bool` between the library and the core, in both directions. Only the lowest bit counts.
 // Compilers disagree on the meaning of a `bool` whose byte is 2, so it is declared as a byte:
-// `IsTrue` tests an answer, and `LowestBit` makes a default.
+// `IsTrue` tests a returned byte, and `LowestBit` makes a default.
 using cadrova_core_bool = std::uint8_t;
 
 // Value getters: return the item of that kind under `key` in `map`, or `default_value` if there is
@@ -45,7 +45,7 @@ char** get_str_arr_from_map(const std::string& map, const std::string& key);
 std::int32_t* get_int_arr_from_map(const std::string& map, const std::string& key);
 
 // Returns a pair array block: key, value, key, value, ... as pointers to NUL-terminated strings.
-// It ends with a NULL key, after which nothing may be read, or with a pair whose value is NULL,
+// It ends with a NULL key, after which nothing may be read, or with a pair whose value is NULL and
 // which is not part of the list. NULL if there is no list. Release: one `free` of the array. The
 // core owns the strings.
 char** get_map_arr_from_map(const std::string& map, const std::string& key);
@@ -67,7 +67,7 @@ cadrova_core_bool sim_get_str_arr_item_exist(const std::string& map, const std::
 cadrova_core_bool sim_get_int_arr_item_exist(const std::string& map, const std::string& key);
 cadrova_core_bool sim_get_map_arr_item_exist(const std::string& map, const std::string& key);
 
-// Hands two strings of SIM customization over to the core, which files them under `name`.
+// Passes two strings of SIM customization data to the core, which stores them under `name`.
 void cxx_sim_set_the_cadrova(const std::string& name, const std::string& first,
                              const std::string& second);
 
@@ -77,7 +77,7 @@ namespace cadrova::core {
 
 static_assert(sizeof(void*) == 8 && std::endian::native == std::endian::little);
 
-constexpr bool IsTrue(cadrova_core_bool answer) { return (answer & 1) != 0; }
+constexpr bool IsTrue(cadrova_core_bool byte) { return (byte & 1) != 0; }
 
 // Volatile, because compilers assume that the byte of a `bool` is 0 or 1.
 inline cadrova_core_bool LowestBit(const bool& flag) {

@@ -1,4 +1,4 @@
-// Converts the core's answers to standard-library values and releases each block as the core
+// Converts what the core returns to standard-library values, and releases each block as the core
 // requires.
 
 #include <cstdlib>
@@ -33,8 +33,8 @@ std::string getStringFromRust(std::string map, std::string key, std::string defa
   return value;
 }
 
-// The lists below reserve no memory: the count comes from the core, and a wrong one must not decide
-// the size of an allocation.
+// The functions below do not reserve memory for lists: the count comes from the core, and a wrong
+// count must not decide the size of an allocation.
 
 std::vector<std::string> getStringArrayFromRust(std::string map, std::string key) {
   std::vector<std::string> list;

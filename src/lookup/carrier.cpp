@@ -16,9 +16,9 @@ template <class Value, class... Default>
 Value LookUp(Lines<Value> lines, const std::string& key, const Default&... default_value) {
   const std::string carrier_map = CarrierMap();
   if (Contains(KindTraits<Value>::exists, carrier_map, key)) {
-    return Report(lines.in_carrier, carrier_map, key, default_value...);
+    return PrintAndRead(lines.in_carrier, carrier_map, key, default_value...);
   }
-  return Report(lines.in_default, "DEFAULT", key, default_value...);
+  return PrintAndRead(lines.in_default, "DEFAULT", key, default_value...);
 }
 
 }  // namespace

@@ -20,20 +20,20 @@ struct Lines {
 
 template <class Value, class... Default>
 Value LookUp(Lines<Value> lines, const std::string& key, const Default&... default_value) {
-  // The region code is read first. A code that is unset is no special case.
+  // The region code is read first. An unset code is not a special case.
   const std::string region_map = RegionCode();
   const std::string carrier_map = CarrierMap();
   const std::string carrier_and_region_map = CarrierAndRegionMap(carrier_map, region_map);
   if (Contains(KindTraits<Value>::exists, carrier_and_region_map, key)) {
-    return Report(lines.in_carrier_and_region, carrier_and_region_map, key, default_value...);
+    return PrintAndRead(lines.in_carrier_and_region, carrier_and_region_map, key, default_value...);
   }
   if (Contains(KindTraits<Value>::exists, carrier_map, key)) {
-    return Report(lines.in_carrier, carrier_map, key, default_value...);
+    return PrintAndRead(lines.in_carrier, carrier_map, key, default_value...);
   }
   if (Contains(KindTraits<Value>::exists, region_map, key)) {
-    return Report(lines.in_region, region_map, key, default_value...);
+    return PrintAndRead(lines.in_region, region_map, key, default_value...);
   }
-  return Report(lines.in_default, "DEFAULT", key, default_value...);
+  return PrintAndRead(lines.in_default, "DEFAULT", key, default_value...);
 }
 
 }  // namespace
@@ -102,8 +102,8 @@ std::vector<int> getCotaRegionCustIntArrayFeature(std::string key) {
       key);
 }
 
-// Intentionally, these lines name other lookups: the first and the last name the carrier lookup for
-// map arrays, the two between name the string array lookup above.
+// Intentionally, these lines name other functions: the first and the last line name the carrier
+// lookup for map arrays, the two other lines name the string array lookup above.
 std::vector<std::pair<std::string, std::string>> getCotaRegionCustMapArrayFeature(std::string key) {
   return LookUp<MapArray>(
       {.in_carrier_and_region = "getCotaCustMapArrayFeature exist with the carrier & region ! ",

@@ -1,8 +1,8 @@
 // The seven kinds of value in one table: for each, the core's existence test, the one for SIM data,
-// the bridge function that reads an item, and the end of the lines that report it.
+// the bridge function that reads an item, and the end of its diagnostic lines.
 //
-// Scalars and strings have a default, and their lines end in a `printf` conversion. Lists have no
-// default, and their lines show no value.
+// Scalars and strings have a default, and their lines end with a `printf` conversion. Lists have no
+// default, and their lines do not show the value.
 #pragma once
 
 #include <string>

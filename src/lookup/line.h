@@ -7,8 +7,8 @@
 
 namespace android::cadrova_cpp {
 
-// A call of these is not a constant expression, so the compiler rejects the text and names the
-// reason.
+// Not constexpr. If the check below calls one of them, the compiler rejects the text and prints the
+// name of the function.
 void LineDoesNotEndAsItsKindRequires();
 void LineHasAnotherConversion();
 
@@ -16,10 +16,10 @@ void LineHasAnotherConversion();
 template <class Value>
 struct Line {
   consteval Line(const char* literal) : text(literal) {
-    std::string_view words = literal;
-    if (!words.ends_with(KindTraits<Value>::line_end)) LineDoesNotEndAsItsKindRequires();
-    words.remove_suffix(KindTraits<Value>::line_end.size());
-    if (words.find('%') != std::string_view::npos) LineHasAnotherConversion();
+    std::string_view rest = literal;
+    if (!rest.ends_with(KindTraits<Value>::line_end)) LineDoesNotEndAsItsKindRequires();
+    rest.remove_suffix(KindTraits<Value>::line_end.size());
+    if (rest.find('%') != std::string_view::npos) LineHasAnotherConversion();
   }
 
   const char* text;

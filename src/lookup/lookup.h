@@ -18,8 +18,8 @@ namespace android::cadrova_cpp {
 inline std::string RegionCode() { return base::GetProperty("ro.orvel.region", ""); }
 inline std::string CarrierCode() { return base::GetProperty("persist.sys.cota.carrier", ""); }
 
-// Composes a map name. Flattened, because most fronts are constants, which then cost a single
-// store.
+// Composes a map name. Flattened, because `front` is mostly a constant, which then costs a single
+// store instruction.
 [[gnu::flatten]] inline std::string Concatenated(const std::string& front,
                                                  const std::string& back) {
   return front + back;
@@ -30,7 +30,7 @@ inline std::string CarrierMap() { return Concatenated("COTA_", CarrierCode()); }
 using ExistenceTest = cadrova_core_bool(const std::string& map, const std::string& key);
 
 // Whether `map` contains an item under `key`, according to the existence test `exists`. Not
-// inlined: the copies make it long, and many places call it.
+// inlined: the copies make it long, and it has many callers.
 [[gnu::noinline]] inline bool Contains(ExistenceTest* exists, const std::string& map,
                                        const std::string& key) {
   return ::cadrova::core::IsTrue(CallCore(exists, map, key));
@@ -45,8 +45,8 @@ inline const char* PrintfArgument(const std::string& text) { return text.c_str()
 
 // Scalars and strings: reads the value, prints it, and reads it again for the caller.
 template <class Value>
-Value Report(Line<Value> line, const std::string& map, const std::string& key,
-             const Value& default_value) {
+Value PrintAndRead(Line<Value> line, const std::string& map, const std::string& key,
+                   const Value& default_value) {
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"  // `Line` has checked it.
   std::printf(line.text, PrintfArgument(KindTraits<Value>::read(map, key, default_value)));
@@ -56,7 +56,7 @@ Value Report(Line<Value> line, const std::string& map, const std::string& key,
 
 // Lists: prints the line, then reads the value once.
 template <class Value>
-Value Report(Line<Value> line, const std::string& map, const std::string& key) {
+Value PrintAndRead(Line<Value> line, const std::string& map, const std::string& key) {
   std::puts(line.text);
   return KindTraits<Value>::read(map, key);
 }

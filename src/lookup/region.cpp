@@ -16,9 +16,9 @@ template <class Value, class... Default>
 Value LookUp(Lines<Value> lines, const std::string& key, const Default&... default_value) {
   const std::string region = RegionCode();
   if (Contains(KindTraits<Value>::exists, region, key)) {
-    return Report(lines.in_region, region, key, default_value...);
+    return PrintAndRead(lines.in_region, region, key, default_value...);
   }
-  return Report(lines.in_default, "DEFAULT", key, default_value...);
+  return PrintAndRead(lines.in_default, "DEFAULT", key, default_value...);
 }
 
 }  // namespace

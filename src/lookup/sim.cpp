@@ -1,5 +1,5 @@
 // SIM lookups: consult the SIM map of the device's carrier, then "SIM_DEFAULT", then make the
-// carrier-and-region lookup of the same kind. And the hand-over of SIM customization.
+// carrier-and-region lookup of the same kind. Also the function that passes SIM data to the core.
 
 #include "lookup/lookup.h"
 
@@ -10,8 +10,8 @@ using namespace cadrova_cpp;
 
 std::string SimMap() { return Concatenated("SIM_", CarrierCode()); }
 
-// A "do not exist" line says that the carrier's SIM map does not contain the item. Intentionally,
-// it is printed if "SIM_DEFAULT" contains it.
+// Intentionally, the line for "SIM_DEFAULT" says "do not exist": it means the SIM map of the
+// carrier.
 template <class Value>
 struct Lines {
   Line<Value> in_sim, in_sim_default;
@@ -23,10 +23,10 @@ Value LookUp(Lines<Value> lines, Value (*look_up_in_carrier_and_region)(std::str
              const std::string& key, const Default&... default_value) {
   const std::string sim_map = SimMap();
   if (Contains(KindTraits<Value>::exists_in_sim, sim_map, key)) {
-    return Report(lines.in_sim, sim_map, key, default_value...);
+    return PrintAndRead(lines.in_sim, sim_map, key, default_value...);
   }
   if (Contains(KindTraits<Value>::exists_in_sim, "SIM_DEFAULT", key)) {
-    return Report(lines.in_sim_default, "SIM_DEFAULT", key, default_value...);
+    return PrintAndRead(lines.in_sim_default, "SIM_DEFAULT", key, default_value...);
   }
   return look_up_in_carrier_and_region(key, default_value...);
 }
@@ -77,8 +77,7 @@ std::vector<std::pair<std::string, std::string>> getSimCustMapArrayFeature(std::
 
 void setSimCadrova(std::string first, std::string second) {
   CallCore(cxx_sim_set_the_cadrova, "SIM_DEFAULT", first, second);
-  // The carrier code is read only now. It is passed without the "SIM_" that the lookups put in
-  // front of it.
+  // The carrier code is read after the first call, and passed without the prefix "SIM_".
   CallCore(cxx_sim_set_the_cadrova, CarrierCode(), first, second);
 }
 

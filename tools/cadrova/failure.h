@@ -1,4 +1,4 @@
-// Why a command can't do what it was asked to: one line on standard error, and an exit status.
+// Ends a command: one line on standard error, and an exit status.
 #pragma once
 
 #include <stdexcept>
@@ -13,7 +13,7 @@ class Failure : public std::runtime_error {
   explicit Failure(const std::string& message, int status = 2)
       : std::runtime_error("cadrova: " + message), status_(status) {}
 
-  // As compilers print it: the file comes first.
+  // In the format of compiler messages: the file comes first.
   explicit Failure(const host::Error& error) : std::runtime_error(ToString(error)) {}
 
   int status() const { return status_; }

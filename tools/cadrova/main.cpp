@@ -1,4 +1,4 @@
-// cadrova: how a device is customized, and why.
+// The cadrova command: shows how a device is customized, and why.
 
 #include "commands/command_line.h"
 #include "failure.h"

@@ -1,5 +1,5 @@
-// Values and the core's blocks as one line of JSON. Two things JSON can't express: a float may be
-// inf or nan, and bytes beyond ASCII are copied as they are, UTF-8 or not.
+// Values and the core's blocks as one line of JSON. Not valid JSON are: the floats inf and nan, and
+// bytes that are not UTF-8, which are copied unchanged.
 #pragma once
 
 #include <algorithm>
@@ -18,7 +18,7 @@
 
 namespace cadrova::tools {
 
-// The core's blocks, by their layout. They are read, never freed.
+// The core's blocks, one type per layout. They are read, never freed.
 struct StringArrayBlock {
   const char* const* strings;
 };
@@ -73,8 +73,8 @@ void AppendJson(std::string& text, Number number) {
   }
 }
 
-inline void AppendJson(std::string& text, cadrova_core_bool answer) {
-  AppendJson(text, cadrova::core::IsTrue(answer));
+inline void AppendJson(std::string& text, cadrova_core_bool byte) {
+  AppendJson(text, cadrova::core::IsTrue(byte));
 }
 
 template <class First, class Second>

@@ -28,8 +28,8 @@ std::string Join(const Range& range, std::string_view separator = ", ",
   return text;
 }
 
-// The name of a map, key or code: unchanged if it has only letters, digits, "_", "." and "-", or
-// else in quotes, as JSON. An empty name is "".
+// The name of a map, a key or a code. It is unchanged if it has only letters, digits, "_", "." and
+// "-"; otherwise it is quoted as in JSON. An empty name is "".
 inline std::string DisplayName(const std::string& name) {
   constexpr std::string_view kPlain =
       "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_.-";

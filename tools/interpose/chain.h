@@ -17,7 +17,7 @@ class Chain {
 
   void Add(const DeviceCall& call) {
     using Type = DeviceCall::Type;
-    // After the source is found, the library only reads it.
+    // When a map contains the item, the library consults no other map.
     if (call.type == Type::kGetProperty || is_complete_) return;
     maps_.push_back({call.name, call.type == Type::kSimTest});
     if (call.exists != nullptr) last_contains_item_ = cadrova::core::IsTrue(*call.exists);

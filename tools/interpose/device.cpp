@@ -1,4 +1,4 @@
-// The definitions here come before all others, so they must be visible.
+// These definitions replace those of the device for all callers, so they must be visible.
 #pragma GCC visibility push(default)
 #include <android-base/properties.h>
 
@@ -20,42 +20,42 @@ namespace {
 
 using Type = DeviceCall::Type;
 
-// True while the device answers. The calls that it makes itself are not observed.
-thread_local bool device_is_answering = false;
+// True while a call of the device runs. Calls that the device itself makes are not observed.
+thread_local bool is_in_device = false;
 
 auto CallDevice(auto* function, const auto&... arguments) {
   const struct Scope {
-    bool before = std::exchange(device_is_answering, true);
-    ~Scope() { device_is_answering = before; }
+    bool before = std::exchange(is_in_device, true);
+    ~Scope() { is_in_device = before; }
   } scope;
   return function(arguments...);
 }
 
-// Shows `call` to the observer. `append` is called only if the observer wants the text.
-void Observe(DeviceCall& call, const auto& append) {
+// `append` appends the text of the call. It runs only if the observer uses the text.
+void ShowToObserver(DeviceCall& call, const auto& append) {
   if (observer == nullptr) return;
   call.append_to = std::ref(append);  // By reference, which allocates nothing.
   observer(call);
 }
 
-// Passes a call of `own` on to the next definition, and shows it to the observer. `call` is filled
-// in except for the answer. The text shows the answer as `Shown`.
+// Passes a call of `own` on to the next definition, and shows it to the observer. `call` is
+// complete except for the returned value. The text shows this value as a `Shown`.
 template <auto* own, class Shown, class... Rest>
 auto PassOn(DeviceCall call, const char* function, const Rest&... rest) {
   auto* const next = Next<own>::Find();
-  if (device_is_answering) return next(call.name, call.key, rest...);
-  auto answer = CallDevice(next, call.name, call.key, rest...);
-  if constexpr (std::is_same_v<decltype(answer), std::string>) {
-    call.property = &answer;
-  } else if constexpr (std::is_same_v<decltype(answer), cadrova_core_bool>) {
-    if (call.type != Type::kRead) call.exists = &answer;
+  if (is_in_device) return next(call.name, call.key, rest...);
+  auto returned = CallDevice(next, call.name, call.key, rest...);
+  if constexpr (std::is_same_v<decltype(returned), std::string>) {
+    call.property = &returned;
+  } else if constexpr (std::is_same_v<decltype(returned), cadrova_core_bool>) {
+    if (call.type != Type::kRead) call.exists = &returned;
   }
-  Observe(call, [&](std::string& text) {
+  ShowToObserver(call, [&](std::string& text) {
     AppendCall(text, function, call.name, call.key, rest...);
     text += " = ";
-    AppendJson(text, Shown{answer});
+    AppendJson(text, Shown{returned});
   });
-  return answer;
+  return returned;
 }
 
 DeviceCall Test(Type type, const std::string& map, const std::string& key) {
@@ -135,9 +135,9 @@ char** get_map_arr_from_map(const std::string& map, const std::string& key) {
 void cxx_sim_set_the_cadrova(const std::string& name, const std::string& first,
                              const std::string& second) {
   auto* const next = Next<cxx_sim_set_the_cadrova>::Find();
-  if (device_is_answering) return next(name, first, second);
+  if (is_in_device) return next(name, first, second);
   CallDevice(next, name, first, second);
-  DeviceCall call = {.type = Type::kHandOver, .name = name, .key = first};
+  DeviceCall call = {.type = Type::kSetSim, .name = name, .key = first};
   const char* const function = __func__;
-  Observe(call, [&](std::string& text) { AppendCall(text, function, name, first, second); });
+  ShowToObserver(call, [&](std::string& text) { AppendCall(text, function, name, first, second); });
 }

@@ -1,4 +1,4 @@
-// Finds the definition of a function that follows our own.
+// Finds the next definition of a function that this binary also defines.
 #pragma once
 
 #include <dlfcn.h>
@@ -8,7 +8,7 @@
 
 namespace cadrova::tools {
 
-// The name of `own` in the symbol table, which depends on the standard library.
+// The symbol name of the function `own`, which depends on the standard library.
 template <auto* own>
 const char* Symbol() {
   Dl_info symbol;
@@ -16,13 +16,13 @@ const char* Symbol() {
   return symbol.dli_sname;
 }
 
-// The next definition of `own`.
+// The next definition of the function `own`.
 template <auto* own>
 class Next {
  public:
-  // Searches anew for each call if there was no definition when we were loaded: the program may
-  // load one later and unload it again. If the program loads it locally, only the library that
-  // calls it finds it.
+  // If no other definition was loaded together with this binary, searches in each call: the program
+  // may load and unload the core at any time. If it loads the core locally, `RTLD_NEXT` does not
+  // find it, but a search that starts at the library does.
   static decltype(own) Find() {
     void* next = at_load_ != nullptr ? at_load_ : dlsym(RTLD_NEXT, Symbol<own>());
     if (next == nullptr) next = FindInLibrary();
@@ -42,7 +42,7 @@ class Next {
     return next;
   }
 
-  // NULL if there was none, and before our initialisers have run.
+  // NULL if there was no definition, and before the initialisers of this binary have run.
   static inline void* const at_load_ = dlsym(RTLD_NEXT, Symbol<own>());
 };
 

@@ -1,22 +1,21 @@
-/// The test kit: makes the fake parser core and the fake property store behave like any device. A
-/// test may switch to another device at any time.
+/// The test kit: sets the data of the fake parser core and the codes in the fake property store. A
+/// test can switch to another device at any time.
 ///
 ///   cadrova::host::Reset();
 ///   ASSERT_TRUE(cadrova::host::LoadText("[COTA_X1]\nring.seconds = 25\n").empty());
 ///   cadrova::host::SetDevice("EU", "X1");
 ///   EXPECT_EQ(android::getCotaCustIntFeature("ring.seconds", 3), 25);
 ///
-/// `android::setSimCadrova` hands over SIM data, `android::base::SetProperty` sets a system
-/// property.
+/// `android::setSimCadrova` sets SIM data. `android::base::SetProperty` sets a system property.
 ///
 /// If a program loads no data, the core loads the default file at the first call that needs data:
 /// the file that the environment variable CADROVA_HOST_DATA names, or else the installed sample. If
 /// the default file can't be read or has an error, the process ends with status 2, and standard
-/// error says why. `LoadFile` and `LoadText` return errors instead, and leave the data as it was.
+/// error says why. `LoadFile` and `LoadText` return errors instead, and do not change the data.
 ///
 /// Thread safety: call `LoadFile`, `LoadText`, `Set` and `Reset` only while no other thread makes a
-/// lookup or calls one of them. All other functions may run at the same time as lookups and as one
-/// another.
+/// lookup or calls a function of the test kit. All other functions may run at the same time as
+/// lookups, and as each other.
 #pragma once
 
 #include <iosfwd>
@@ -43,7 +42,7 @@ inline bool operator==(const Place& one, const Place& other) {
 struct Error {
   std::string file;              ///< As the caller named it; "<text>" for a text.
   Place place;                   ///< Line 0 if the file can't be read; column 0 for a whole line.
-  std::string reason;            ///< One line, without the place.
+  std::string reason;            ///< One line, without file and place.
   std::optional<Place> related;  ///< For a duplicate: where the first one is.
 };
 
@@ -67,30 +66,29 @@ std::basic_ostream<char, Traits>& operator<<(std::basic_ostream<char, Traits>& s
   return stream << ToString(error);
 }
 
-/// Replaces the data by the customization file at `path`, a TOML file whose tables are maps. SIM
-/// data that was handed over stays and takes precedence. Returns the errors in the file, in file
-/// order; if there are any, the data stays as it was. A TOML syntax error is returned alone, as
+/// Replaces the data with the customization file at `path`, a TOML file whose tables are maps. SIM
+/// data that was set remains, and takes precedence. Returns the errors in the file, in file order.
+/// If there are any, the data does not change. A TOML syntax error is returned alone, because
 /// nothing after it can be read.
 [[nodiscard]] std::vector<Error> LoadFile(const std::string& path);
 
 /// The same with `toml` as the contents of the file.
 [[nodiscard]] std::vector<Error> LoadText(const std::string& toml);
 
-/// Sets one item of the data. It takes the place of the item that the file contains under that key,
-/// of whatever kind, until the next load. If no file is loaded yet, the default file is loaded
-/// first.
+/// Sets one item of the data, until the next load. It replaces the item of the file under that key,
+/// whatever its kind. If no data is loaded yet, the default file is loaded first.
 void Set(const std::string& map, const std::string& key, Value value);
 
 /// Everything that the core contains.
 struct Contents {
   struct Map {
     std::string name;
-    Place place;  ///< Of its first mention in the file.
+    Place place;  ///< Of the first line in the file that names it.
   };
   struct Item {
     std::string map;
     std::string key;
-    std::vector<Kind> kinds;  ///< One; an empty TOML array is of all three list kinds.
+    std::vector<Kind> kinds;  ///< One, or the three list kinds for an empty TOML array.
     Place place;              ///< Of the last part of its key.
   };
 
@@ -99,23 +97,22 @@ struct Contents {
   std::vector<Item> items;  ///< Sorted by map and key. Only items of the file have a place.
 };
 
-/// Lists what lookups find now: the items of the file, of `Set` and of SIM data that was handed
-/// over.
+/// Lists what lookups find now: items of the file, items that `Set` has set, and SIM data.
 Contents List();
 
-/// Discards all SIM data that was handed over. A lookup that runs at the same time may find an item
-/// and then read the default, as it calls the core once to test and again to read.
+/// Discards all SIM data that was set. A lookup that runs at the same time may find an item and
+/// then read the default, because it tests and reads in separate calls of the core.
 void ClearSim();
 
-/// Sets the system properties that contain the region code and the carrier code. An empty code is
-/// an unset one.
+/// Sets the system properties that contain the region code and the carrier code. An empty code
+/// means that the property is unset.
 void SetDevice(const std::string& region, const std::string& carrier);
 
 /// Discards all system properties that were set. At the next call the property store reads its file
 /// again, if CADROVA_HOST_PROPS names one.
 void ClearProperties();
 
-/// Goes back to the state in which the process began: no SIM data, no property set, no data loaded.
+/// Restores the state at the start of the process: no SIM data, no property set, no data loaded.
 /// The default file is loaded again at the next call that needs data.
 void Reset();
 

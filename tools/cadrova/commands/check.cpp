@@ -14,9 +14,9 @@ namespace {
 
 class Check : public Command {
  public:
-  void Bind(Options& options) override {
+  void DeclareOptions(Options& options) override {
     options.Add("FILE", file_, "", "Customization file (default: the one that the core reads)");
-    fleet_.Bind(options);
+    fleet_.DeclareOptions(options);
   }
 
   int Run() override {
@@ -24,7 +24,7 @@ class Check : public Command {
     if (!errors.empty()) return ReportErrors(errors);
     const auto contents = ListContents();
     const Fleet fleet = fleet_.ToFleet(MapNames(contents));
-    const auto findings = FindProblems(contents, fleet, !fleet_.are_complete());
+    const auto findings = CheckContents(contents, fleet, !fleet_.are_complete());
     Print(ToText(findings, contents.file));
     return std::ranges::any_of(findings, &Finding::is_error) ? kNegative : kSuccess;
   }

@@ -12,15 +12,17 @@ class Command {
  public:
   virtual ~Command() = default;
 
-  // Declares the options and arguments. The object keeps their values.
-  virtual void Bind(Options& options) = 0;
+  // Declares the options and arguments. The command stores their values.
+  virtual void DeclareOptions(Options& options) = 0;
 
   // Returns the exit status; throws a Failure.
   virtual int Run() = 0;
 };
 
 // The exit statuses of all commands except trace.
-constexpr int kSuccess = 0, kNegative = 1;  // kNegative: a missing item, a change, a finding
+constexpr int kSuccess = 0;
+constexpr int kNegative =
+    1;  // the item is missing, no key matches, devices change, data has errors
 
 struct CommandInfo {
   const char* name;

@@ -11,16 +11,17 @@
 namespace cadrova::tools {
 namespace {
 
-// `store` is called with the values that were given, if any. (CLI11's own conversions take most of
-// the time to compile this file.)
+// `store` is called with the given values, if there are any. (CLI11's own conversions would take
+// most of the time to compile this file.)
 CLI::Option& Declare(CLI::App& app, const std::string& name, const std::string& type,
                      const std::string& description, const CLI::callback_t& store) {
-  // If a value is forgotten, CLI11 takes the next option's name for it.
+  // If a value is missing, CLI11 takes the next option as the value.
   return *app.add_option(name, store, description)
               ->type_name(type)
               ->check([name](const std::string& value) {
-                return name[0] == '-' && value.starts_with("--") ? "'" + value + "' is an option"
-                                                                 : "";
+                return name[0] == '-' && value.starts_with("--")
+                           ? "a value is missing before '" + value + "'"
+                           : "";
               });
 }
 
@@ -32,7 +33,7 @@ const CommandInfo& FindCommand(const std::string& name) {
                 "'; use one of: " + Join(Commands(), ", ", &CommandInfo::name));
 }
 
-// The argument parser with all commands declared. Each one's `Run` is called if it is parsed.
+// The argument parser with all commands. Runs the command that the arguments name.
 class Parser {
  public:
   Parser() : app_("Look up how a device is customized, and why", "cadrova") {
@@ -47,7 +48,7 @@ class Parser {
       app.footer(std::string("Example: ") + info.example);
       commands_.push_back(info.make());
       Options options(app);
-      commands_.back()->Bind(options);
+      commands_.back()->DeclareOptions(options);
     }
   }
 
@@ -72,12 +73,12 @@ class Parser {
   }
 
  private:
-  // CLI11 ends some texts with blank lines.
+  // Without the blank lines at the end of some texts of CLI11.
   static std::string Trimmed(const std::string& text) {
     return text.substr(0, text.find_last_not_of('\n') + 1) + '\n';
   }
 
-  // Help and version texts arrive as errors, too.
+  // CLI11 also throws help and version texts as errors.
   int PrintOrThrow(const CLI::ParseError& error) const {
     if (error.get_exit_code() == 0) {
       std::ostringstream text;

@@ -1,4 +1,4 @@
-// The command line: which command, with which options and arguments.
+// Parses the command line: a command with its options and arguments.
 #pragma once
 
 #include <optional>
@@ -12,8 +12,9 @@ class Option;
 
 namespace cadrova::tools {
 
-// Declares the options and arguments of one command. A `name` that begins with a dash is an option,
-// any other one a positional argument. `type` is what the help text calls an option's value.
+// Declares the options and arguments of one command. A `name` that begins with a dash is an option;
+// any other name is a positional argument. `type` is the name of an option's value in the help
+// text.
 class Options {
  public:
   explicit Options(CLI::App& app) : app_(app) {}

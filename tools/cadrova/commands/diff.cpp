@@ -13,7 +13,7 @@
 namespace cadrova::tools {
 namespace {
 
-// One family's results over both files.
+// The results of one family with both files.
 struct ComparedFamily {
   FleetChains chains;
   std::vector<std::optional<Results>> before, after;  // by feature
@@ -21,12 +21,12 @@ struct ComparedFamily {
 
 class Diff : public Command {
  public:
-  void Bind(Options& options) override {
+  void DeclareOptions(Options& options) override {
     options.AddRequired("OLD", old_, "Customization file before the change");
     options.AddRequired("NEW", new_, "Customization file after the change");
     options.Add("--family", family_, "FAMILY",
                 "Family to compare (default: carrier-region and sim)");
-    fleet_.Bind(options);
+    fleet_.DeclareOptions(options);
     options.AddFlag("--json", json_,
                     "Print a JSON array of objects: family, kind, key, region, carrier, old, new");
   }
@@ -56,7 +56,8 @@ class Diff : public Command {
   }
 
  private:
-  // Calls `use` with each feature and each family's changes to it; returns the exit status.
+  // Calls `use` with each feature that changes, each family and its changes. Returns the exit
+  // status.
   static int ForEachChange(const std::vector<ComparedFamily>& families,
                            const std::vector<Feature>& features, auto use) {
     Progress progress("comparing");
@@ -86,7 +87,7 @@ class Diff : public Command {
     return status;
   }
 
-  // Families with the same changes share a paragraph.
+  // Families with the same changes of a feature share one paragraph.
   static int PrintAsText(const std::vector<ComparedFamily>& families,
                          const std::vector<Feature>& features, const Fleet& fleet) {
     std::string heading, text;

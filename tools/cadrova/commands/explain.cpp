@@ -16,10 +16,11 @@
 namespace cadrova::tools {
 namespace {
 
-// The maps that contain the key and are not in the chain, those like one of its maps first.
+// The maps that contain the key but are not in the chain. Maps with a name similar to one in the
+// chain come first.
 std::vector<std::string> OtherMaps(const host::Contents& contents,
                                    const std::vector<std::string>& chain, const std::string& key) {
-  std::vector<std::pair<Suggestion, std::string>> ranked;  // the map of the chain, and the other
+  std::vector<std::pair<Suggestion, std::string>> ranked;  // a map in the chain, and the other map
   for (const auto& item : contents.items) {
     if (item.key != key || std::ranges::find(chain, item.map) != chain.end()) continue;
     std::vector<Suggestion> similar;
@@ -39,7 +40,7 @@ std::vector<std::string> OtherMaps(const host::Contents& contents,
   return lines;
 }
 
-// Keys like this one, each with the first map of the chain that contains it, or else any map.
+// Similar keys, each with the first map of the chain that contains it, or else with any map.
 std::vector<std::string> SimilarKeys(const host::Contents& contents,
                                      const std::vector<std::string>& chain,
                                      const std::string& key) {
@@ -79,8 +80,8 @@ std::string ToExplanationText(const Explanation& explanation) {
 
 class ExplainCommand : public Command {
  public:
-  void Bind(Options& options) override {
-    query_.Bind(options);
+  void DeclareOptions(Options& options) override {
+    query_.DeclareOptions(options);
     options.AddFlag("--json", json_, "Print one JSON object");
     options.AddFlag("--steps", steps_, "Print the calls in order");
   }

@@ -14,8 +14,8 @@ namespace {
 
 class Get : public Command {
  public:
-  void Bind(Options& options) override {
-    query_.Bind(options);
+  void DeclareOptions(Options& options) override {
+    query_.DeclareOptions(options);
     options.AddFlag("--json", json_, "Print the value as JSON");
   }
 

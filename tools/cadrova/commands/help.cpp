@@ -7,7 +7,7 @@ namespace {
 
 class Help : public Command {
  public:
-  void Bind(Options& options) override {
+  void DeclareOptions(Options& options) override {
     options.Add("COMMAND", command_, "", Join(Commands(), ", ", &CommandInfo::name));
   }
 

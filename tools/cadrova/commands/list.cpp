@@ -13,9 +13,9 @@ namespace {
 
 class List : public Command {
  public:
-  void Bind(Options& options) override {
+  void DeclareOptions(Options& options) override {
     options.Add("PATTERN", pattern_, "", "Shell pattern for keys (default: all keys)");
-    data_.Bind(options);
+    data_.DeclareOptions(options);
     options.AddFlag("--json", json_, "Print a JSON array of objects: key, kind, maps");
   }
 

@@ -21,12 +21,12 @@ namespace {
 
 class Matrix : public Command {
  public:
-  void Bind(Options& options) override {
+  void DeclareOptions(Options& options) override {
     options.Add("FAMILY", family_, "", FamilyNames());
     options.Add("KIND", kind_, "", KindNames());
-    options.Add("KEY", key_, "", "Feature key");
-    data_.Bind(options);
-    fleet_.Bind(options);
+    options.Add("KEY", key_, "", "Key of the feature");
+    data_.DeclareOptions(options);
+    fleet_.DeclareOptions(options);
     options.AddFlag("--json", json_, "Print a JSON array of objects: region, carrier, value, map");
     options.AddFlag("--csv", csv_, "Print comma-separated values, one line per device");
     options.Add("--html", html_, "FILE", "Write an HTML report; of all features if none is named");

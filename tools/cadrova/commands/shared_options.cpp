@@ -25,7 +25,7 @@ std::vector<std::string> SplitCodes(const std::string& text) {
 
 }  // namespace
 
-void DataOption::Bind(Options& options) {
+void DataOption::DeclareOptions(Options& options) {
   options.Add("--data", file_, "FILE", "Customization file for the fake core");
 }
 
@@ -33,16 +33,16 @@ void DataOption::Apply() const {
   if (file_) LoadData(*file_);
 }
 
-void QueryOptions::Bind(Options& options) {
+void QueryOptions::DeclareOptions(Options& options) {
   options.AddRequired("FAMILY", family_, FamilyNames());
   options.AddRequired("KIND", kind_, KindNames());
-  options.AddRequired("KEY", key_, "Feature key");
+  options.AddRequired("KEY", key_, "Key of the feature");
   options.Add("DEFAULT", default_, "", "Result for a missing item (default: false, 0, 0 or \"\")");
-  data_.Bind(options);
+  data_.DeclareOptions(options);
   options.Add("--region", region_, "CODE", "Region code (default: from the property store)");
   options.Add("--carrier", carrier_, "CODE", "Carrier code (default: from the property store)");
   options.AddRepeatable("--sim", sim_items_, "KEY=VALUE",
-                        "SIM item to hand over first; repeatable");
+                        "SIM item to set before the lookup; repeatable");
 }
 
 Query QueryOptions::Apply() const {
@@ -58,7 +58,7 @@ Query QueryOptions::Apply() const {
   return query;
 }
 
-void FleetOptions::Bind(Options& options) {
+void FleetOptions::DeclareOptions(Options& options) {
   options.Add("--regions", regions_, "CODES",
               "Regions, comma-separated (default: all in the data)");
   options.Add("--carriers", carriers_, "CODES",

@@ -1,4 +1,4 @@
-// Options that several commands have.
+// Options that several commands share.
 #pragma once
 
 #include <optional>
@@ -14,7 +14,7 @@ namespace cadrova::tools {
 // --data
 class DataOption {
  public:
-  void Bind(Options& options);
+  void DeclareOptions(Options& options);
 
   // Makes the core use the file, if one is given.
   void Apply() const;
@@ -23,12 +23,12 @@ class DataOption {
   std::optional<std::string> file_;
 };
 
-// Of commands that make one lookup on one device.
+// The options and arguments of commands that make one lookup on one device.
 class QueryOptions {
  public:
-  void Bind(Options& options);
+  void DeclareOptions(Options& options);
 
-  // The lookup. The device then has the codes, the data and the SIM items that are given.
+  // Sets the given codes, data and SIM items, and returns the lookup.
   Query Apply() const;
 
  private:
@@ -41,12 +41,12 @@ class QueryOptions {
 // --regions and --carriers
 class FleetOptions {
  public:
-  void Bind(Options& options);
+  void DeclareOptions(Options& options);
 
-  // Whether no code comes from the names of maps.
+  // Whether both options are given, so that no code comes from the names of maps.
   bool are_complete() const { return regions_ && carriers_; }
 
-  // The given codes; the names of the maps tell the others.
+  // The given codes. If an option is missing, the codes come from the names of the maps.
   Fleet ToFleet(const std::vector<std::string>& map_names) const;
 
  private:

@@ -15,22 +15,23 @@ namespace {
 
 std::string ErrorText() { return std::generic_category().message(errno); }
 
-// What LD_PRELOAD must contain. The loader takes a blank or a colon for the end of a path.
+// The path for LD_PRELOAD. For the loader, a blank or a colon ends a path; a path that contains one
+// is replaced with that of an open file.
 std::string TraceLibraryPath() {
   const auto command = std::filesystem::read_symlink("/proc/self/exe").parent_path();
   std::string path = (command / CADROVA_TRACE_LIBRARY).lexically_normal();
   const int library = open(path.c_str(), O_RDONLY | O_CLOEXEC);
   if (library < 0) {
-    throw Failure(path + ": " + ErrorText() + "; install it together with this command");
+    throw Failure(path + ": " + ErrorText() + "; install the trace library with the command");
   }
   if (path.find_first_of(" :") == std::string::npos) return path;
-  const int inherited = fcntl(library, F_DUPFD, 32);  // a number that few programs use
+  const int inherited = fcntl(library, F_DUPFD, 32);  // 32: few programs use this number
   if (inherited < 0) throw Failure(path + ": " + ErrorText());
   return "/proc/self/fd/" + std::to_string(inherited);
 }
 
-// Empties the file, and returns its absolute path, as the program may change its folder. A FIFO is
-// not opened: closing it when the program starts would end it for its reader.
+// Empties the file, and returns its absolute path, because the program may change its folder. A
+// FIFO is not opened: when the program starts it would be closed, and its reader would stop.
 std::string EmptyFile(const std::string& file) {
   std::error_code ignored;
   if (!std::filesystem::is_fifo(file, ignored) &&
@@ -50,8 +51,8 @@ void SetVariable(const char* name, const std::string& value) {
 
 class Trace : public Command {
  public:
-  void Bind(Options& options) override {
-    options.AddFlag("--steps", steps_, "Log the calls of each lookup too");
+  void DeclareOptions(Options& options) override {
+    options.AddFlag("--steps", steps_, "Also log the calls of each lookup");
     options.AddFlag("--summary", summary_, "Write a table at exit instead");
     options.Add("-o", file_, "FILE", "Write to FILE (default: standard error)");
     options.AddRemaining("PROGRAM", program_, "Program and its arguments, after \"--\"");

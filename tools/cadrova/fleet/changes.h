@@ -1,4 +1,4 @@
-// Which devices get another result from other data.
+// The devices that get different results from different data.
 #pragma once
 
 #include <optional>
@@ -11,19 +11,19 @@
 
 namespace cadrova::tools {
 
-// What some devices got, and what they get now.
+// The results of some devices before and after a change of the data.
 struct Change {
   const Result* before;
   const Result* after;
-  std::vector<std::pair<std::size_t, std::size_t>> devices;  // region and carrier in the fleet
+  std::vector<std::pair<std::size_t, std::size_t>> devices;  // positions of region and carrier
 };
 
-// The changes between two results of one feature. They refer to the results.
+// The changes of one feature. They contain pointers to `before` and `after`.
 std::vector<Change> FindChanges(const FleetChains& chains, const Results& before,
                                 const Results& after);
 
-// The results of each feature over the data that the core has now; none for a kind that the family
-// lacks.
+// The results of each feature with the current data of the core. None if the family has no lookup
+// of the kind.
 std::vector<std::optional<Results>> CollectAll(const FleetChains& chains,
                                                const std::vector<Feature>& features);
 

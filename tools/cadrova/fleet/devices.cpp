@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::string_view kCarrierPrefix = "COTA_", kSimPrefix = "SIM_";
 
-// Splits `name` at the first underscore at which `accept` takes both parts.
+// Splits `name` at the first underscore for which `accept` returns true for the two parts.
 std::optional<std::pair<std::string, std::string>> Split(const std::string& name, auto accept) {
   for (std::size_t at = name.find('_'); at != std::string::npos; at = name.find('_', at + 1)) {
     std::pair parts(name.substr(0, at), name.substr(at + 1));
@@ -24,7 +24,7 @@ std::optional<std::pair<std::string, std::string>> Split(const std::string& name
 
 Fleet FleetOf(const std::vector<std::string>& map_names) {
   std::set<std::string> regions = {""}, carriers = {""};
-  std::vector<std::string> composed;  // a carrier, or a carrier, an underscore and a region
+  std::vector<std::string> composed;  // "<carrier>" or "<carrier>_<region>"
   for (const std::string& map : map_names) {
     if (map.starts_with(kCarrierPrefix)) {
       composed.push_back(map.substr(kCarrierPrefix.size()));
@@ -39,7 +39,7 @@ Fleet FleetOf(const std::vector<std::string>& map_names) {
     if (parts) carriers.insert(parts->first);
     return parts.has_value();
   });
-  // Each remaining one is a carrier, or a known carrier with a region that has no map of its own.
+  // Each remaining name is a carrier, or a known carrier with a region that has no map of its own.
   std::ranges::sort(composed, {}, &std::string::size);
   for (const std::string& name : composed) {
     const auto parts =

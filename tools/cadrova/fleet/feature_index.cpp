@@ -35,7 +35,7 @@ std::vector<Feature> IndexFeatures(const Contents& contents) {
           feature.maps.push_back(item->map);
         }
       }
-      // Contents of two files have maps in common.
+      // If the contents are those of two files, maps occur twice.
       std::ranges::sort(feature.maps);
       const auto duplicates = std::ranges::unique(feature.maps);
       feature.maps.erase(duplicates.begin(), duplicates.end());

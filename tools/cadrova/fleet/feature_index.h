@@ -8,15 +8,15 @@
 
 namespace cadrova::tools {
 
-// A key as one kind, and the maps that contain it.
+// A key with one kind, and the maps that contain it.
 struct Feature {
   std::string key;
   host::Kind kind;
   std::vector<std::string> maps;
 };
 
-// All features, sorted by key and kind. An empty list counts as the list kinds that its key has in
-// other maps; if it has none there, as every list kind.
+// All features, sorted by key and kind. An empty list has the list kinds that its key has in other
+// maps, or every list kind if there are none.
 std::vector<Feature> IndexFeatures(const host::Contents& contents);
 
 std::vector<std::string> MapNames(const host::Contents& contents);

@@ -21,7 +21,7 @@ using host::Place;
 using Item = Contents::Item;
 using ItemsByKey = std::map<std::string, std::vector<const Item*>>;  // in the order of the file
 
-// One pass over the contents per kind of problem.
+// One function per type of finding.
 class Checker {
  public:
   Checker(const Contents& contents, const Fleet& fleet) : contents_(contents) {
@@ -66,7 +66,9 @@ class Checker {
 bool IsEmptyList(const Item& item) { return item.kinds.size() > 1; }
 
 std::string KindName(const Item& item) {
-  return IsEmptyList(item) ? "an empty list" : ToString(item.kinds[0]);
+  if (IsEmptyList(item)) return "an empty list";
+  const std::string name = ToString(item.kinds[0]);
+  return (name[0] == 'i' ? "an " : "a ") + name;
 }
 
 bool IsInMap(const std::string& map, const std::vector<const Item*>& items) {
@@ -77,7 +79,7 @@ std::string DidYouMean(const std::string& name) {
   return "; did you mean " + DisplayName(name) + '?';
 }
 
-// The item that decides of which kind its key is: that in DEFAULT, or else the first.
+// The item whose kind all items of its key must have: the item in DEFAULT, or else the first.
 const Item& DecidingItem(const std::vector<const Item*>& items) {
   auto found = std::ranges::find_if(
       items, [](const Item* item) { return item->map == "DEFAULT" && !IsEmptyList(*item); });
@@ -104,7 +106,7 @@ void Checker::CheckKinds() {
   }
 }
 
-// A key that is in a single map, and not in DEFAULT, may be mistyped.
+// A key in only one map may be mistyped.
 void Checker::CheckKeys() {
   std::vector<std::string> keys;
   keys.reserve(items_.size());
@@ -153,7 +155,7 @@ void Checker::CheckMapsOfSimilarNames() {
   }
 }
 
-// Adds the items without which a lookup of the family has another result on some device.
+// Adds each item whose removal changes a lookup of the family on some device.
 void Checker::AddNeeded(const Feature& feature, const FleetChains& chains,
                         std::set<MapAndKey>& needed) {
   const Results results = chains.Collect(feature.kind, feature.key, &feature.maps);
@@ -177,7 +179,7 @@ void Checker::AddNeeded(const Feature& feature, const FleetChains& chains,
   }
 }
 
-// Items of DEFAULT are what others differ from, and never redundant.
+// Items of DEFAULT are never reported: DEFAULT contains the values that other maps replace.
 void Checker::CheckRedundancy() {
   const auto features = IndexFeatures(contents_);
   std::set<MapAndKey> needed;
@@ -213,8 +215,8 @@ std::vector<Finding> Sorted(std::vector<Finding> findings) {
   return sorted;
 }
 
-std::vector<Finding> FindProblems(const Contents& contents, const Fleet& fleet,
-                                  bool has_derived_codes) {
+std::vector<Finding> CheckContents(const Contents& contents, const Fleet& fleet,
+                                   bool has_derived_codes) {
   Checker checker(contents, fleet);
   checker.CheckKinds();
   checker.CheckKeys();

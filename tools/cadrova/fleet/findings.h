@@ -15,12 +15,12 @@ struct Finding {
   std::string message;
 };
 
-// In the order of the file, each once. A warning is dropped if there is an error at its place.
+// In the order of the file, without duplicates, and without warnings at the place of an error.
 std::vector<Finding> Sorted(std::vector<Finding> findings);
 
-// All findings in `contents` for these devices. If codes are derived from the names of the maps,
-// names that differ only slightly are reported, too, as each makes devices of its own.
-std::vector<Finding> FindProblems(const host::Contents& contents, const Fleet& fleet,
-                                  bool has_derived_codes);
+// All findings in `contents` for these devices. If codes are derived from map names, a mistyped map
+// name gives a new code, so similar map names are also reported.
+std::vector<Finding> CheckContents(const host::Contents& contents, const Fleet& fleet,
+                                   bool has_derived_codes);
 
 }  // namespace cadrova::tools

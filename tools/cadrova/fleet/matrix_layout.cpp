@@ -12,39 +12,39 @@
 namespace cadrova::tools {
 namespace {
 
-using Row = std::vector<Cell>;
-using Column = std::vector<Cell>;
+using CellRow = std::vector<Cell>;
+using CellColumn = std::vector<Cell>;
 
-// Groups the positions of equal lines, which are rows or columns, and leaves one line per group.
-std::vector<CodeGroup> MergeEqual(std::vector<std::vector<Cell>>& lines) {
+// Merges equal rows, or equal columns. Returns the positions of the merged ones.
+std::vector<CodeGroup> MergeEqual(std::vector<std::vector<Cell>>& rows) {
   constexpr std::size_t kMostListed = 6;
   std::vector<CodeGroup> groups;
   std::vector<std::vector<Cell>> merged;
   std::map<std::vector<Cell>, std::size_t> numbers;
-  for (std::size_t i = 0; i < lines.size(); ++i) {
-    const auto [number, is_new] = numbers.try_emplace(lines[i], groups.size());
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    const auto [number, is_new] = numbers.try_emplace(rows[i], groups.size());
     if (is_new) {
       groups.emplace_back();
-      merged.push_back(std::move(lines[i]));
+      merged.push_back(std::move(rows[i]));
     }
     groups[number->second].codes.push_back(i);
   }
-  lines = std::move(merged);
+  rows = std::move(merged);
   const auto size = [](const CodeGroup& group) { return group.codes.size(); };
   const auto largest = std::ranges::max_element(groups, {}, size);
   largest->is_rest = size(*largest) > kMostListed;
   return groups;
 }
 
-std::vector<Row> Transpose(const std::vector<Column>& columns) {
-  std::vector<Row> rows(columns[0].size());
-  for (const Column& column : columns) {
+std::vector<CellRow> Transpose(const std::vector<CellColumn>& columns) {
+  std::vector<CellRow> rows(columns[0].size());
+  for (const CellColumn& column : columns) {
     for (std::size_t i = 0; i < column.size(); ++i) rows[i].push_back(column[i]);
   }
   return rows;
 }
 
-std::vector<MatrixTable> ToTables(std::vector<Column> columns) {
+std::vector<MatrixTable> ToTables(std::vector<CellColumn> columns) {
   constexpr std::size_t kMostColumns = 8;
   const auto groups = MergeEqual(columns);
   std::vector<std::size_t> order(columns.size());
@@ -59,7 +59,7 @@ std::vector<MatrixTable> ToTables(std::vector<Column> columns) {
   for (auto next = order.begin(); next != order.end();) {
     const auto end = next < end_of_varying ? end_of_varying : order.end();
     MatrixTable& table = tables.emplace_back();
-    std::vector<Column> table_columns;
+    std::vector<CellColumn> table_columns;
     for (; next != end && table_columns.size() < kMostColumns; ++next) {
       table_columns.push_back(columns[*next]);
       table.carriers.push_back(groups[*next]);
@@ -81,7 +81,7 @@ std::size_t CountCells(const std::vector<MatrixTable>& tables) {
 MatrixLayout LayOut(const FleetChains& chains, const Results& results) {
   constexpr std::size_t kMostCells = 200;
   const Fleet& fleet = chains.fleet();
-  std::vector<Column> columns(fleet.carriers.size(), Column(fleet.regions.size()));
+  std::vector<CellColumn> columns(fleet.carriers.size(), CellColumn(fleet.regions.size()));
   std::unordered_map<const Result*, std::size_t> devices;  // how many get this result
   for (std::size_t carrier = 0; carrier < fleet.carriers.size(); ++carrier) {
     for (std::size_t region = 0; region < fleet.regions.size(); ++region) {

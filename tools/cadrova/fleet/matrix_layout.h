@@ -8,7 +8,7 @@
 
 namespace cadrova::tools {
 
-// What one device gets, and from which position of its chain.
+// The result of one device, and the position of its map in the chain.
 struct Cell {
   const Result* result;
   std::size_t position;
@@ -16,10 +16,10 @@ struct Cell {
   auto operator<=>(const Cell&) const = default;
 };
 
-// Region or carrier codes of equal rows or columns.
+// The codes of equal rows, or of equal columns.
 struct CodeGroup {
   std::vector<std::size_t> codes;  // positions in the fleet
-  bool is_rest = false;            // the largest group, if it is too long to be listed
+  bool is_rest = false;            // the largest group, if it has too many codes to list
 };
 
 // Regions are rows, carriers are columns.
@@ -29,11 +29,12 @@ struct MatrixTable {
 };
 
 struct MatrixLayout {
-  // Several, if not all columns fit side by side. Columns in which regions differ come first.
+  // Several tables if there are too many columns for one. Columns in which regions differ come
+  // first.
   std::vector<MatrixTable> tables;
 
   // If the tables would still be too large, exceptions of single devices are listed here. The
-  // tables then contain what these devices would get otherwise.
+  // tables then contain the results that these devices would get without their own maps.
   struct Exception {
     std::size_t region, carrier;
     Cell cell;
@@ -41,10 +42,11 @@ struct MatrixLayout {
   std::vector<Exception> exceptions;
 };
 
-// The layout refers to `results`.
+// The layout contains pointers to `results`.
 MatrixLayout LayOut(const FleetChains& chains, const Results& results);
 
-// The heading of a row or column: its codes, each through `show`; or "every region", or "9 others".
+// The heading of a row or column: its codes, each formatted by `show`, or "every region", or
+// "9 others". `what` is "region" or "carrier".
 std::string Heading(const CodeGroup& group, const std::vector<std::string>& codes,
                     const std::string& what, std::string (*show)(const std::string& code));
 

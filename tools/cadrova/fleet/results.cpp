@@ -10,7 +10,7 @@
 namespace cadrova::tools {
 
 bool IsSame(const Result& one, const Result& other) {
-  // As text, in which a NaN is the same as another.
+  // Compared as text, so that NaN is equal to NaN.
   return one.map.has_value() == other.map.has_value() &&
          ToJsonText(one.value) == ToJsonText(other.value);
 }
@@ -76,11 +76,11 @@ Results FleetChains::Collect(Kind kind, const std::string& key,
   }
   Results results({});
   DiscardStdout([&] {
-    results = Results(RunAsIfOnlyIn(nullptr, query));
+    results = Results(LookUpAsIfOnlyIn(nullptr, query));
     for (const std::uint32_t id : candidates) {
       const Map& map = maps_[id];
-      if (CoreContains(TestOf(kind, map.is_sim), map.name, key)) {
-        results.Add(id, RunAsIfOnlyIn(&map, query));
+      if (CoreContains(ExistenceTestOf(kind, map.is_sim), map.name, key)) {
+        results.Add(id, LookUpAsIfOnlyIn(&map, query));
       }
     }
   });
@@ -99,7 +99,7 @@ void FleetChains::SetCodes(std::size_t device) const {
   OverrideProperty(kCarrierCode, fleet_.carriers[device % fleet_.carriers.size()]);
 }
 
-Result FleetChains::RunAsIfOnlyIn(const Map* map, const Query& query) const {
+Result FleetChains::LookUpAsIfOnlyIn(const Map* map, const Query& query) const {
   SetCodes(map == nullptr ? 0 : map->device);
   Chain chain;
   Result result;

@@ -2,8 +2,8 @@
 //
 // The library is called once per device to record its chain, which is the same for all features.
 // Then, for each map that contains a feature, it is called once, as a device that consults that
-// map, with every other existence test forced to false. The result is that of all devices in whose
-// chain this map is the first to contain the feature.
+// map, with every other existence test forced to false. Every device on whose chain this map is the
+// first to contain the feature has this result.
 #pragma once
 
 #include <cstdint>
@@ -24,7 +24,7 @@ struct Result {
   std::optional<std::string> map;  // none if no map contains the item
 };
 
-// Whether programs see a difference: in the value, or in whether any map contains the item.
+// Whether both have the same value, and a map contains the item in both or in none.
 bool IsSame(const Result& one, const Result& other);
 
 // The chain of one device: the numbers of its maps, in order.
@@ -39,8 +39,8 @@ class Results {
   // Whether any map contains the feature.
   bool has_any() const { return !by_map_.empty(); }
 
-  // The result of a device with this chain, and its position in the chain; for a missing item, the
-  // length of the chain.
+  // The result of a device with this chain, and the position of its map in the chain. If the item
+  // is missing, the position is the length of the chain.
   std::pair<const Result*, std::size_t> Find(MapIds chain) const;
 
   const Result& Get(MapIds chain) const { return *Find(chain).first; }
@@ -67,7 +67,7 @@ class FleetChains {
   // The names of all maps in the chains.
   std::vector<std::string> MapNames() const;
 
-  // The results of a feature over the data that the core has now. With `maps`, only these are
+  // The results of a feature with the current data of the core. With `maps`, only these maps are
   // tested for the item.
   Results Collect(Kind kind, const std::string& key,
                   const std::vector<std::string>* maps = nullptr) const;
@@ -75,13 +75,14 @@ class FleetChains {
  private:
   struct Map {
     std::string name;
-    bool is_sim;         // tested by the existence tests for SIM data
-    std::size_t device;  // one that consults it
+    bool is_sim;         // consulted with an existence test for SIM data
+    std::size_t device;  // a device that consults it
   };
 
   std::uint32_t IdOf(const std::string& map, bool is_sim, std::size_t device);
   void SetCodes(std::size_t device) const;
-  Result RunAsIfOnlyIn(const Map* map, const Query& query) const;
+  // Makes the lookup as if only `map` contained the item, or no map if it is NULL.
+  Result LookUpAsIfOnlyIn(const Map* map, const Query& query) const;
 
   const Family& family_;
   const Fleet& fleet_;

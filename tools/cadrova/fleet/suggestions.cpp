@@ -16,7 +16,7 @@ std::string ToLower(const std::string& text) {
   return lower;
 }
 
-// The Damerau-Levenshtein distance, in which no byte is edited twice.
+// The Damerau-Levenshtein distance in which no byte is edited twice (optimal string alignment).
 std::size_t EditDistance(std::string_view one, std::string_view other) {
   std::vector<std::size_t> row(other.size() + 1), last = row, before_last = row;
   std::iota(row.begin(), row.end(), std::size_t{0});
@@ -34,7 +34,7 @@ std::size_t EditDistance(std::string_view one, std::string_view other) {
   return row.back();
 }
 
-// One edit turns any such name into any other.
+// Almost all such names are within a distance of 1.
 bool IsShort(const std::string& name) { return name.size() < 3; }
 
 bool IsWithin(const Suggestion& suggestion, const std::string& name, std::size_t distance) {
@@ -57,7 +57,7 @@ bool DifferOnlyInNumbers(const std::string& one, const std::string& other) {
   return i == one.size() && j == other.size();
 }
 
-// Of the name's words, of the name without its first level, and of the name without any one byte.
+// Hashes of the name, its words, the name without its first level, and the name without one byte.
 std::vector<std::size_t> Hashes(const std::string& name) {
   const std::hash<std::string> hash;
   const std::string lower = ToLower(name);

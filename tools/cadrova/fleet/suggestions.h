@@ -1,4 +1,4 @@
-// Which existing name a mistyped one may stand for.
+// Suggests existing names for a mistyped name.
 #pragma once
 
 #include <compare>
@@ -9,29 +9,29 @@
 
 namespace cadrova::tools {
 
-// An existing name, and how much another name resembles it. The best suggestion sorts first.
+// An existing name, and how it differs from another name. The best suggestion sorts first.
 struct Suggestion {
-  bool has_other_words;  // false: the same words in another case or order, or with other separators
-  std::size_t distance;  // how many bytes are inserted, deleted, replaced or swapped with the next
+  bool has_other_words;  // false if only case, order of words or separators differ
+  std::size_t distance;  // the number of bytes inserted, deleted, replaced or swapped with the next
   std::string name;
 
   auto operator<=>(const Suggestion&) const = default;
 };
 
-// Compares without regard to case. A level more or less in front ("ring.seconds" for "seconds") is
-// a distance of 1.
+// Ignores case. One additional level in front of either name ("ring.seconds" and "seconds") is a
+// distance of 1.
 Suggestion Compare(const std::string& name, const std::string& existing);
 
-// The candidates that have the same words as `name`, or are within a distance of a fifth of its
-// length, but at least 1. Names of fewer than three bytes must have a distance of 0.
+// The candidates that have the same words as `name`, or a distance of at most 1 or a fifth of its
+// length. For a name of fewer than three bytes, the distance must be 0.
 std::vector<Suggestion> Suggest(const std::string& name,
                                 const std::vector<std::string>& candidates);
 
 // The words of `name`, independent of their case, order and separators.
 std::string SortedWords(const std::string& name);
 
-// Makes suggestions within a distance of 1 from many names, for many names. Names that differ only
-// in their numbers, such as band.1 and band.2, are no suggestions for each other.
+// Finds suggestions with a distance of at most 1 quickly among many names. Names that differ only
+// in numbers, such as band.1 and band.2, are not suggestions for each other.
 class SuggestionIndex {
  public:
   explicit SuggestionIndex(std::vector<std::string> names);
@@ -40,7 +40,8 @@ class SuggestionIndex {
 
  private:
   std::vector<std::string> names_;
-  // Hashes of which two names within a distance of 1 share at least one; sorted.
+  // Sorted pairs of a hash and the position of a name. Two names within a distance of 1 have at
+  // least one hash in common.
   std::vector<std::pair<std::size_t, std::uint32_t>> hashes_;
 };
 

@@ -19,7 +19,7 @@ namespace {
 void CheckPath(const std::string& path) {
   if (path.empty()) throw Failure("the name of the customization file is empty");
   if (host::LoadFile == nullptr) {
-    throw Failure(path + ": this parser core does not read customization files");
+    throw Failure(path + ": this parser core can't read customization files");
   }
 }
 

@@ -1,4 +1,5 @@
-// What only the fake core can do: read a customization file, and list what it contains.
+// Functions of the fake core that a real core does not have: read a customization file, and list
+// its contents.
 #pragma once
 
 #include <string>
@@ -8,7 +9,8 @@
 
 namespace cadrova::tools {
 
-// Makes the core use the file; returns the errors in it. Throws a Failure if the core is another.
+// Makes the core use the file, and returns the errors in it. Throws a Failure if the core is not
+// the fake one.
 std::vector<host::Error> TryLoadData(const std::string& path);
 
 // Makes the core use the file, or throws its first error as a Failure.
@@ -24,10 +26,10 @@ class DataFile {
   std::string path_, text_;
 };
 
-// Whether the core lists its contents.
+// Whether the core can list its contents.
 bool CanListContents();
 
-// Throws a Failure if it can't.
+// Throws a Failure if the core can't list its contents.
 host::Contents ListContents();
 
 }  // namespace cadrova::tools

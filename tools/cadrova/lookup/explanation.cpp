@@ -10,7 +10,7 @@ ChainEntry QueryMap(const Chain::Map& map, const Query& query) {
   entry.map = map.name;
   for (std::size_t i = 0; i < kKindCount; ++i) {
     const auto kind = static_cast<Kind>(i);
-    if (!CoreContains(TestOf(kind, map.is_sim), map.name, query.key)) continue;
+    if (!CoreContains(ExistenceTestOf(kind, map.is_sim), map.name, query.key)) continue;
     entry.kinds.push_back(kind);
     if (kind == query.kind) entry.value = ReadFromMap(map.name, query.key, query.default_value);
   }

@@ -1,4 +1,4 @@
-// Why a lookup returns what it returns.
+// Why a lookup returns its value.
 #pragma once
 
 #include <optional>
@@ -12,10 +12,10 @@ namespace cadrova::tools {
 // A map of the chain, and what it contains under the key.
 struct ChainEntry {
   std::string map;
-  bool is_consulted = false;  // or only if no earlier map contained the item
+  bool is_consulted = false;  // false if an earlier map contains the item
   bool is_source = false;     // the value comes from it
   std::vector<Kind> kinds;
-  std::optional<Value> value;  // of the kind that the lookup reads, if the map contains one
+  std::optional<Value> value;  // none if the map does not contain the item as the lookup's kind
 };
 
 struct Explanation {

@@ -16,7 +16,7 @@ using host::MapArray;
 using host::StringArray;
 
 template <auto function, class T>
-constexpr Lookup MakeLookup() {
+constexpr LookupFunction MakeLookupFunction() {
   if constexpr (std::is_invocable_r_v<T, decltype(function), std::string, T>) {
     return {[](const std::string& key, const Value& default_value) -> Value {
               return function(key, std::get<T>(default_value));
@@ -30,16 +30,17 @@ constexpr Lookup MakeLookup() {
   }
 }
 
-// In the order of the kinds; nullptr for a kind that the family lacks.
+// In the order of the kinds. nullptr if the family has no lookup of the kind.
 template <auto of_bool, auto of_int, auto of_float, auto of_string, auto of_string_array,
           auto of_int_array, auto of_map_array>
-constexpr std::array<Lookup, kKindCount> kLookups = {MakeLookup<of_bool, bool>(),
-                                                     MakeLookup<of_int, int>(),
-                                                     MakeLookup<of_float, float>(),
-                                                     MakeLookup<of_string, std::string>(),
-                                                     MakeLookup<of_string_array, StringArray>(),
-                                                     MakeLookup<of_int_array, IntArray>(),
-                                                     MakeLookup<of_map_array, MapArray>()};
+constexpr std::array<LookupFunction, kKindCount> kLookups = {
+    MakeLookupFunction<of_bool, bool>(),
+    MakeLookupFunction<of_int, int>(),
+    MakeLookupFunction<of_float, float>(),
+    MakeLookupFunction<of_string, std::string>(),
+    MakeLookupFunction<of_string_array, StringArray>(),
+    MakeLookupFunction<of_int_array, IntArray>(),
+    MakeLookupFunction<of_map_array, MapArray>()};
 
 using namespace android;
 
@@ -136,7 +137,7 @@ Value ZeroOf(Kind kind) {
   return zeros[static_cast<std::size_t>(kind)];
 }
 
-ExistenceTest* TestOf(Kind kind, bool is_sim) {
+ExistenceTest* ExistenceTestOf(Kind kind, bool is_sim) {
   const Value zero = ZeroOf(kind);
 #define TEST(test, Type) \
   if (!is_sim && std::holds_alternative<Type>(zero)) return test;
@@ -145,7 +146,7 @@ ExistenceTest* TestOf(Kind kind, bool is_sim) {
   CADROVA_EXISTENCE_TESTS(TEST, SIM_TEST)
 #undef TEST
 #undef SIM_TEST
-  return TestOf(kind, false);
+  return ExistenceTestOf(kind, false);
 }
 
 Value ReadFromMap(const std::string& map, const std::string& key, const Value& default_value) {

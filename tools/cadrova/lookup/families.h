@@ -1,5 +1,5 @@
-// The families and kinds of lookups, one table each. Everything that the command knows about a
-// family is in its row; which maps it consults is recorded, not repeated.
+// The families and the kinds of lookups, in one table each. A row contains everything that the
+// command knows about a family. Its chain is recorded from the library and not repeated here.
 #pragma once
 
 #include <array>
@@ -17,21 +17,21 @@ using host::Value;
 
 constexpr std::size_t kKindCount = std::variant_size_v<Value>;
 
-// A function of the library; none if `call` is nullptr.
-struct Lookup {
+// A lookup of the library. `call` is NULL if the family has no lookup of the kind.
+struct LookupFunction {
   Value (*call)(const std::string& key, const Value& default_value) = nullptr;
   bool takes_default = false;
 };
 
 struct Family {
   const char* name;
-  const char* infix;                       // in the names of its functions
-  bool is_compared;                        // by diff and in the report, unless a family is named
-  bool is_checked;                         // by check
-  std::array<Lookup, kKindCount> lookups;  // by kind
+  const char* infix;                               // in the names of its functions
+  bool is_compared;                                // by diff and the report, if no family is given
+  bool is_checked;                                 // by check
+  std::array<LookupFunction, kKindCount> lookups;  // by kind
 
   bool Has(Kind kind) const { return lookups[static_cast<std::size_t>(kind)].call != nullptr; }
-  const Lookup& Get(Kind kind) const { return lookups[static_cast<std::size_t>(kind)]; }
+  const LookupFunction& Get(Kind kind) const { return lookups[static_cast<std::size_t>(kind)]; }
   // "getSimCustIntFeature"
   std::string FunctionName(Kind kind) const;
 };
@@ -46,13 +46,13 @@ Kind FindKind(const std::string& name);
 std::string FamilyNames();
 std::string KindNames();
 
-// What a lookup is given if the user names no default: false, 0, 0, "" or an empty list.
+// The default of a lookup if none is given: false, 0, 0, "" or an empty list.
 Value ZeroOf(Kind kind);
 
-// The core's existence test of the kind. With `is_sim`, the one for SIM data, if it has one.
-ExistenceTest* TestOf(Kind kind, bool is_sim);
+// The core's existence test of the kind. With `is_sim`, the test for SIM data, if there is one.
+ExistenceTest* ExistenceTestOf(Kind kind, bool is_sim);
 
-// The value that `map` contains under `key`, or the default, whose kind it has.
+// The value of the same kind as the default that `map` contains under `key`, or else the default.
 Value ReadFromMap(const std::string& map, const std::string& key, const Value& default_value);
 
 }  // namespace cadrova::tools

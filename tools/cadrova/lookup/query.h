@@ -23,7 +23,7 @@ struct Query {
 Query MakeQuery(const std::string& family, const std::string& kind, const std::string& key,
                 const std::optional<std::string>& default_value = {});
 
-// The same, with the kind's zero as the default. The family must have the kind.
+// The same with the default `ZeroOf(kind)`. The family must have a lookup of the kind.
 Query MakeQuery(const Family& family, Kind kind, const std::string& key);
 
 }  // namespace cadrova::tools

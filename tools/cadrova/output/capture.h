@@ -1,4 +1,4 @@
-// What the library prints to standard output.
+// Captures or discards what the library prints to standard output.
 #pragma once
 
 #include <functional>
@@ -6,7 +6,7 @@
 
 namespace cadrova::tools {
 
-// Runs `action` and returns what it prints. Throws a Failure if that can't be stored.
+// Runs `action` and returns what it prints. Throws a Failure if the output can't be stored.
 std::string CaptureStdout(const std::function<void()>& action);
 
 // Runs `action` and discards what it prints.

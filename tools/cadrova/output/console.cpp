@@ -14,8 +14,8 @@
 namespace cadrova::tools {
 
 void OpenStandardStreams() {
-  // `open` returns the lowest free number, which is that of the missing stream. The modes make
-  // reading from standard input and writing to the others fail as with a closed one.
+  // `open` returns the lowest free number, which is that of the closed stream. With these modes,
+  // reading from standard input and writing to the other streams fails, as if they were closed.
   constexpr int kModes[] = {O_WRONLY, O_RDONLY, O_WRONLY};
   for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream) {
     if (fcntl(stream, F_GETFD) < 0) open("/dev/null", kModes[stream] | O_CLOEXEC);

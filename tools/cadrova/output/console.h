@@ -5,14 +5,14 @@
 
 namespace cadrova::tools {
 
-// Opens /dev/null in place of each standard stream that is closed, so that no file that is opened
-// later gets its number. Writing to standard output then fails.
+// Opens /dev/null for each standard stream that is closed, so that no other file gets its number.
+// Writing to this standard output fails.
 void OpenStandardStreams();
 
-// One line on standard error.
+// Prints one line to standard error.
 void PrintError(const std::string& line);
 
-// All of `text` on standard output; throws a Failure if that is impossible.
+// Prints `text` to standard output. Throws a Failure if it can't be written.
 void Print(const std::string& text);
 
 constexpr char kBold[] = "1", kRed[] = "31", kGreen[] = "32", kYellow[] = "33";

@@ -7,8 +7,8 @@
 
 namespace cadrova::tools {
 
-// A header and one line per device: region,carrier,value,map. Texts and lists are quoted. The map
-// is quoted too, so that "" is the map with the empty name, and nothing is no map.
+// A header and one line per device: region,carrier,value,map. Codes, strings, lists and maps are
+// quoted. "" is the map with the empty name; the field is empty if no map contains the item.
 std::string ToCsv(const FleetChains& chains, const Results& results);
 
 }  // namespace cadrova::tools

@@ -34,13 +34,13 @@ std::string CodeHtml(const std::string& code) {
   return code.empty() ? "<i>unset</i>" : Escaped(DisplayName(code));
 }
 
-// What the maps in the family's chain are called, recorded for a device with telling codes.
-std::vector<std::string> MapKindNames(const Family& family) {
+// The names of the maps in the family's chain, for a device with the codes ‹region› and ‹carrier›.
+std::vector<std::string> MapTypeNames(const Family& family) {
   const Fleet fleet = {{"‹region›"}, {"‹carrier›"}};
   return FleetChains(family, fleet).MapNames();
 }
 
-std::string StyleName(std::size_t map_kind) { return 'p' + std::to_string(map_kind); }
+std::string StyleName(std::size_t map_type) { return 'p' + std::to_string(map_type); }
 
 std::string CellStyle(const Cell& cell, const std::vector<std::string>& styles) {
   return cell.result->map ? styles[cell.position] : "none";
@@ -60,14 +60,14 @@ void Replace(std::string& text, std::string_view mark, const std::string& replac
 
 HtmlReport::HtmlReport(std::string source, const Fleet& fleet)
     : source_(std::move(source)), fleet_(fleet) {
-  // The longest chain comes first, as it has the maps of all others, in their order.
+  // The longest chain comes first: it has the maps of all other chains, in their order.
   std::vector<std::vector<std::string>> chains;
-  for (const Family& family : Families()) chains.push_back(MapKindNames(family));
+  for (const Family& family : Families()) chains.push_back(MapTypeNames(family));
   std::ranges::stable_sort(chains, std::greater(), &std::vector<std::string>::size);
   for (const auto& names : chains) {
     for (const std::string& name : names) {
-      if (std::ranges::find(map_kinds_, name, &MapKind::name) == map_kinds_.end()) {
-        map_kinds_.push_back({name});
+      if (std::ranges::find(map_types_, name, &MapType::name) == map_types_.end()) {
+        map_types_.push_back({name});
       }
     }
   }
@@ -110,8 +110,8 @@ void HtmlReport::Add(const Family& family, const MatrixLayout& layout) {
 
 std::string HtmlReport::ToHtml() const {
   std::string legend, features;
-  for (std::size_t i = 0; i < map_kinds_.size(); ++i) {
-    const auto& [name, is_used] = map_kinds_[i];
+  for (std::size_t i = 0; i < map_types_.size(); ++i) {
+    const auto& [name, is_used] = map_types_[i];
     if (is_used) legend += "<li class=" + StyleName(i) + "><small>" + Escaped(name) + "</small>\n";
   }
   for (const auto& [key, kind, tables] : sections_) {
@@ -124,7 +124,7 @@ std::string HtmlReport::ToHtml() const {
     features += "</section>\n";
   }
   std::string page = kHtmlReportFrame;
-  // From the last mark to the first, so that no mark is searched for in inserted text.
+  // From the last mark to the first, so that no mark is found in inserted text.
   Replace(page, "{features}", features);
   Replace(page, "{legend}", legend);
   Replace(page, "{carriers}", Join(fleet_.carriers, ", ", CodeHtml));
@@ -137,10 +137,10 @@ std::string HtmlReport::ToHtml() const {
 // The style of each position in the family's chain.
 std::vector<std::string> HtmlReport::StylesOf(const Family& family) {
   std::vector<std::string> styles;
-  for (const std::string& name : MapKindNames(family)) {
-    const auto found = std::ranges::find(map_kinds_, name, &MapKind::name);
+  for (const std::string& name : MapTypeNames(family)) {
+    const auto found = std::ranges::find(map_types_, name, &MapType::name);
     found->is_used = true;
-    styles.push_back(StyleName(static_cast<std::size_t>(found - map_kinds_.begin())));
+    styles.push_back(StyleName(static_cast<std::size_t>(found - map_types_.begin())));
   }
   return styles;
 }

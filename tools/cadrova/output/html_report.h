@@ -12,10 +12,10 @@ namespace cadrova::tools {
 
 class HtmlReport {
  public:
-  // `source` names the data.
+  // `source` is the name of the customization file.
   HtmlReport(std::string source, const Fleet& fleet);
 
-  // Begins a feature. The layouts that are added next belong to it.
+  // Begins a feature. `Add` adds layouts to it.
   void BeginFeature(const std::string& key, Kind kind);
   void Add(const Family& family, const MatrixLayout& layout);
 
@@ -28,8 +28,8 @@ class HtmlReport {
     std::vector<std::pair<std::string, std::string>> tables;  // names of families, and HTML
   };
 
-  // A kind of map, such as that of a carrier. Its number selects the colour and sign.
-  struct MapKind {
+  // For example COTA_‹carrier›. Its position selects the colour and the sign.
+  struct MapType {
     std::string name;
     bool is_used = false;  // by a family of the report
   };
@@ -38,7 +38,7 @@ class HtmlReport {
 
   std::string source_;
   const Fleet& fleet_;
-  std::vector<MapKind> map_kinds_;
+  std::vector<MapType> map_types_;
   std::vector<Section> sections_;
 };
 

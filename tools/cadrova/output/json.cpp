@@ -11,7 +11,8 @@
 namespace cadrova::tools {
 namespace {
 
-// Floats have 32 bits, and so as few digits as in plain text. Members stay in their order.
+// With 32-bit floats, numbers have as few digits as in plain text. Members are in the order of the
+// source.
 using Json = nlohmann::basic_json<nlohmann::ordered_map, std::vector, std::string, bool,
                                   std::int64_t, std::uint64_t, float>;
 

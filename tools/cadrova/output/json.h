@@ -1,5 +1,5 @@
-// Values and results as JSON, each in one line. Infinite floats and NaN are the strings "inf",
-// "-inf" and "nan". All throw a Failure for text that is not UTF-8.
+// Values and results as JSON, one line each. Infinite floats and NaN are the strings "inf", "-inf"
+// and "nan". All functions throw a Failure for text that is not UTF-8.
 #pragma once
 
 #include <string>
@@ -13,11 +13,11 @@ std::string ToJson(const Value& value);
 std::string ToJson(const Explanation& explanation);
 std::string ToJson(const Feature& feature);
 
-// Prints a JSON array, one element per line, while its elements are made.
+// Prints a JSON array, one element per line, before all elements are known.
 class JsonArrayPrinter {
  public:
   void Add(const std::string& json);
-  // After the last element.
+  // Call this after the last element.
   void Finish();
 
  private:

@@ -1,11 +1,11 @@
-// The progress of long work, on the last line of a terminal.
+// Shows the progress of long work on the last line of a terminal.
 #pragma once
 
 #include <string>
 
 namespace cadrova::tools {
 
-// Prints nothing if standard error is no terminal, or the work takes less than half a second.
+// Prints nothing if standard error is not a terminal, or if the work takes less than half a second.
 class Progress {
  public:
   explicit Progress(std::string work);

@@ -86,7 +86,7 @@ std::string ChainTable(const Explanation& explanation) {
   return table;
 }
 
-// The lines, with the label in front of the first one.
+// The lines, indented, with the label before the first one.
 std::string Labelled(std::string label, const std::vector<std::string>& lines) {
   std::string text;
   for (const std::string& line : lines) {
@@ -131,7 +131,7 @@ std::string ToText(const Explanation& explanation, const DataFacts* facts) {
 
 namespace {
 
-// The cells of a matrix. Long values are replaced by numbers, and listed below.
+// The texts of the cells of a matrix. Long values are replaced with numbers, and listed separately.
 class CellTexts {
  public:
   std::string ToText(const Cell& cell) {
@@ -193,7 +193,7 @@ std::string ToText(const MatrixLayout& layout, const Fleet& fleet) {
 
 namespace {
 
-// The codes at the positions in `chosen`, or all codes except the others, if that is shorter.
+// The codes at the positions in `chosen`, or "every region except ..." if that is shorter.
 std::string ChosenCodes(const std::vector<std::size_t>& chosen,
                         const std::vector<std::string>& codes, const std::string& what) {
   if (chosen.size() == codes.size() && codes.size() > 1) return "every " + what;

@@ -11,22 +11,22 @@
 
 namespace cadrova::tools {
 
-// For shells: one line, or one per element of a list.
+// For use in shell scripts: one line, or one line per element of a list.
 std::string ToLines(const Value& value);
 
 std::string ToText(const std::vector<Feature>& features);
 
-// What the fake core adds to an explanation, each a list of lines.
+// Facts about the data, which only the fake core gives. Each is a list of lines.
 struct DataFacts {
   std::string file;
-  std::vector<std::string> other_maps;  // not in the chain, and contain the key
+  std::vector<std::string> other_maps;  // contain the key, but are not in the chain
   std::vector<std::string> similar_keys;
 };
 std::string ToText(const Explanation& explanation, const DataFacts* facts);
 
 std::string ToText(const MatrixLayout& layout, const Fleet& fleet);
 
-// One line per change: what it was, what it is, and the devices.
+// One line per change: the result before and after it, and the devices.
 std::string ToText(const std::vector<Change>& changes, const Fleet& fleet);
 
 // One line per finding: file:line:column: error: message

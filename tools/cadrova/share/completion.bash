@@ -2,7 +2,7 @@
 
 _cadrova() {
   local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-  local command=${COMP_WORDS[1]} words= place=0 i
+  local command=${COMP_WORDS[1]} words= position=0 i
   local families="default region carrier carrier-region sim"
   COMPREPLY=()
   case $previous in
@@ -10,19 +10,19 @@ _cadrova() {
     --region | --carrier | --regions | --carriers | --sim) return ;;
     --family) mapfile -t COMPREPLY < <(compgen -W "$families" -- "$word"); return ;;
   esac
-  # Which of the words behind the command this is, options and their values apart.
+  # The position of this word among the arguments of the command, without options and their values.
   for ((i = 2; i < COMP_CWORD; ++i)); do
     case ${COMP_WORDS[i]} in
       --) [[ $command != trace ]] || break ;;
       --data | --html | --region | --carrier | --regions | --carriers | --family | --sim | -o)
         ((++i)) ;;
       -*) ;;
-      *) ((++place)) ;;
+      *) ((++position)) ;;
     esac
   done
   case $command in
     explain | get | matrix)
-      case $place in
+      case $position in
         0) words=$families ;;
         1) words="bool int float string string-array int-array map-array" ;;
       esac

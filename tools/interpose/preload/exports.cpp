@@ -1,4 +1,4 @@
-// Defines the library's lookups in front of the library. Each passes the call on and records it.
+// Interposes the functions of the library. Each definition passes the call on and traces it.
 
 #include <string>
 #include <utility>
@@ -6,7 +6,7 @@
 #include "cadrova/cadrova.h"
 #include "cadrova/value.h"
 #include "interpose/next_symbol.h"
-#include "lookup.h"
+#include "traced_lookup.h"
 
 namespace cadrova::tools {
 namespace {
@@ -14,8 +14,8 @@ namespace {
 template <auto* own, class... Default>
 auto Traced(const char* function, std::string& key, Default&... default_value) {
   auto* const next = Next<own>::Find();
-  if (Lookup::current != nullptr) return next(std::move(key), std::move(default_value)...);
-  Lookup lookup(function, key, default_value...);
+  if (TracedLookup::current != nullptr) return next(std::move(key), std::move(default_value)...);
+  TracedLookup lookup(function, key, default_value...);
   auto value = next(std::move(key), std::move(default_value)...);
   lookup.Finish(value);
   return value;
@@ -55,10 +55,10 @@ WITHOUT_DEFAULT(getSimCustStringFeature, std::string)
 
 void setSimCadrova(std::string first, std::string second) {
   auto* const next = Next<setSimCadrova>::Find();
-  if (Lookup::current != nullptr) return next(std::move(first), std::move(second));
-  Lookup lookup(__func__, first, second);
+  if (TracedLookup::current != nullptr) return next(std::move(first), std::move(second));
+  TracedLookup lookup(__func__, first, second);
   next(std::move(first), std::move(second));
-  lookup.FinishHandOver();
+  lookup.FinishSetSim();
 }
 
 }  // namespace android

@@ -26,14 +26,14 @@ rlim_t Limit(int resource) {
   return limit.rlim_cur;
 }
 
-// A copy of `descriptor` with a high number. The program, which may close and reopen low numbers,
-// does not meet it, and programs that it executes do not inherit it.
+// A copy of `descriptor` with a high number, because programs may close and reopen low numbers.
+// Programs that this one executes do not inherit it.
 int HighCopy(int descriptor) {
   const int high = static_cast<int>(std::min(Limit(RLIMIT_NOFILE), rlim_t{1024})) - 8;
   return fcntl(descriptor, F_DUPFD_CLOEXEC, std::max(high, STDERR_FILENO + 1));
 }
 
-// The signal that a failed write raises besides its error, or 0.
+// The signal that a failed write raises in addition to its error, or 0.
 int SignalOfFailedWrite(int descriptor) {
   struct stat status = {};
   fstat(descriptor, &status);
@@ -41,19 +41,19 @@ int SignalOfFailedWrite(int descriptor) {
   return Limit(RLIMIT_FSIZE) == RLIM_INFINITY ? 0 : SIGXFSZ;
 }
 
-// Keeps `signal` from this thread if it is raised while this object exists; 0 is no signal.
-class SignalIgnored {
+// Discards `signal` if it is raised on this thread while this object exists. 0 is no signal.
+class SignalBlocker {
  public:
-  explicit SignalIgnored(int signal) : signal_(signal) {
+  explicit SignalBlocker(int signal) : signal_(signal) {
     if (signal_ == 0) return;
     sigpending(&pending_);
     sigemptyset(&ignored_);
     sigaddset(&ignored_, signal_);
     pthread_sigmask(SIG_BLOCK, &ignored_, &mask_);
   }
-  SignalIgnored(const SignalIgnored&) = delete;
-  SignalIgnored& operator=(const SignalIgnored&) = delete;
-  ~SignalIgnored() {
+  SignalBlocker(const SignalBlocker&) = delete;
+  SignalBlocker& operator=(const SignalBlocker&) = delete;
+  ~SignalBlocker() {
     if (signal_ == 0) return;
     constexpr timespec kNow = {};
     if (sigismember(&pending_, signal_) == 0) sigtimedwait(&ignored_, nullptr, &kNow);
@@ -65,11 +65,11 @@ class SignalIgnored {
   sigset_t pending_, ignored_, mask_;
 };
 
-// Returns the error that prevented it, or 0.
+// Returns 0, or the error that prevented the write.
 int WriteAll(int descriptor, int signal, std::string_view text) {
-  const SignalIgnored ignored(signal);
+  const SignalBlocker ignored(signal);
   while (!text.empty()) {
-    // Not `write`, in which a thread can be cancelled.
+    // Not `write`, because a thread can be cancelled in it.
     const long count = syscall(SYS_write, descriptor, text.data(), text.size());
     if (count >= 0) {
       text.remove_prefix(static_cast<std::size_t>(count));
@@ -83,11 +83,11 @@ int WriteAll(int descriptor, int signal, std::string_view text) {
   return 0;
 }
 
-// Reads the settings when the library is loaded, before the program can change its environment or
-// its descriptors. A lookup that an earlier initialiser makes does the same.
+// Reads the settings when the trace library is loaded, before the program can change its
+// environment or its descriptors. If an earlier initialiser makes a lookup, it reads them first.
 [[gnu::constructor]] void ReadSettingsAtLoad() {
   Mode();
-  Output::The();
+  Output::Instance();
 }
 
 }  // namespace

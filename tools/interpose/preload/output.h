@@ -6,7 +6,7 @@
 
 namespace cadrova::tools {
 
-// What is written. The environment variable CADROVA_TRACE_SHOW says it.
+// What the trace contains: the value of the environment variable CADROVA_TRACE_SHOW.
 enum class TraceMode {
   kLines,    // one line per lookup
   kSteps,    // "steps": below each line, the lookup's calls to the device
@@ -14,22 +14,21 @@ enum class TraceMode {
 };
 TraceMode Mode();
 
-// The process ID, which each line starts with, followed by "." and the thread ID except on the
-// main thread.
+// The start of each line: the process ID, then "." and the thread ID except on the main thread.
 std::string LineStart();
 
-// The file that the environment variable CADROVA_TRACE names, or the standard error that the
-// process started with.
+// The file that the environment variable CADROVA_TRACE names, or else standard error as it was at
+// the start of the process.
 class Output {
  public:
-  // Never destroyed, since threads may make lookups while the process exits.
-  static Output& The() {
+  // Never destroyed: threads may still make lookups while the process exits.
+  static Output& Instance() {
     static Output& output = *new Output;
     return output;
   }
 
-  // Writes `lines` in one piece. The program sees neither an error nor a signal. The first failure
-  // is reported on the standard error that the process started with.
+  // Writes `lines` in one piece. The program sees no error and no signal. The first failure is
+  // reported on standard error as it was at the start of the process.
   void Write(const std::string& lines);
 
  private:
@@ -38,7 +37,7 @@ class Output {
 
   const int standard_error_;
   int descriptor_;
-  int signal_;  // that a write may raise, or 0
+  int signal_;  // The signal that a failed write raises, or 0.
   std::string path_ = "standard error";
   std::atomic_flag has_reported_;
 };

@@ -14,11 +14,11 @@ namespace cadrova::tools {
 
 // After a fork, the child counts only its own lookups.
 Summary::Summary() {
-  pthread_atfork([] { The().mutex_.lock(); }, [] { The().mutex_.unlock(); },
+  pthread_atfork([] { Instance().mutex_.lock(); }, [] { Instance().mutex_.unlock(); },
                  [] {
-                   The().features_.clear();
-                   The().unnamed_calls_ = 0;
-                   The().mutex_.unlock();
+                   Instance().features_.clear();
+                   Instance().unnamed_calls_ = 0;
+                   Instance().mutex_.unlock();
                  });
 }
 
@@ -61,13 +61,13 @@ void Summary::Write() {
     text += "; calls by lookups without a name: " + std::to_string(unnamed_calls_);
   }
   if (lookups != 0) text += '\n' + Join(AlignedLines(table, 2), "\n");
-  Output::The().Write(text += '\n');
+  Output::Instance().Write(text += '\n');
 }
 
 namespace {
 
 [[gnu::destructor]] void WriteSummaryAtExit() {
-  if (Mode() == TraceMode::kSummary) Summary::The().Write();
+  if (Mode() == TraceMode::kSummary) Summary::Instance().Write();
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// A count of the lookups of a process, written when it ends.
+// Counts the lookups of a process, and writes a table when it ends.
 #pragma once
 
 #include <map>
@@ -10,8 +10,8 @@ namespace cadrova::tools {
 
 class Summary {
  public:
-  // Never destroyed, since threads may make lookups while the process exits.
-  static Summary& The() {
+  // Never destroyed: threads may still make lookups while the process exits.
+  static Summary& Instance() {
     static Summary& summary = *new Summary;
     return summary;
   }
@@ -20,7 +20,7 @@ class Summary {
   void AddLookup(const std::string& key, const std::string& kind, const std::string& source,
                  const std::string& value);
 
-  // Counts a call to the device by a lookup that is not named.
+  // Counts a call to the device by a lookup whose name is unknown.
   void AddUnnamedCall();
 
   void Write();

@@ -1,7 +1,7 @@
-/// System properties, with the interface of the platform's base library. This store is fake: it
-/// keeps the properties in the process. If the environment variable CADROVA_HOST_PROPS names a
-/// file, its lines are the initial properties: `key=value`, or `[key]: [value]` as getprop prints
-/// them. Both functions may be called from any thread.
+/// System properties, with the interface of the platform's base library. This property store is
+/// fake: the properties are in the memory of the process. If the environment variable
+/// CADROVA_HOST_PROPS names a file, its lines are the initial properties: `key=value`, or
+/// `[key]: [value]` as getprop prints them. Both functions may be called from any thread.
 #pragma once
 
 #include <string>

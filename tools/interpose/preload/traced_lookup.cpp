@@ -1,4 +1,4 @@
-#include "lookup.h"
+#include "traced_lookup.h"
 
 #include <dlfcn.h>
 
@@ -10,7 +10,7 @@
 namespace cadrova::tools {
 namespace {
 
-// The program may read properties too, for purposes of its own.
+// The program may also read properties itself.
 bool IsFromLibrary(const DeviceCall& call) {
   Dl_info caller;
   return call.type != DeviceCall::Type::kGetProperty ||
@@ -19,20 +19,20 @@ bool IsFromLibrary(const DeviceCall& call) {
 }
 
 void ObserveCall(DeviceCall& call) {
-  if (Lookup::current != nullptr) return Lookup::current->Add(call);
+  if (TracedLookup::current != nullptr) return TracedLookup::current->Add(call);
   if (!IsFromLibrary(call)) return;
-  // The program has found the lookup with `dlsym`, so its name and end are not known.
-  if (Mode() == TraceMode::kSummary) return Summary::The().AddUnnamedCall();
+  // The program resolved the lookup with `dlsym`, so its name and its end are unknown.
+  if (Mode() == TraceMode::kSummary) return Summary::Instance().AddUnnamedCall();
   std::string line = LineStart();
   call.AppendTo(line);
-  Output::The().Write(line += '\n');
+  Output::Instance().Write(line += '\n');
 }
 
 }  // namespace
 
 constinit const Observer observer = ObserveCall;
 
-void Lookup::Add(const DeviceCall& call) {
+void TracedLookup::Add(const DeviceCall& call) {
   if (Mode() == TraceMode::kSteps) {
     steps_ += "    ";
     call.AppendTo(steps_);
@@ -41,23 +41,24 @@ void Lookup::Add(const DeviceCall& call) {
   chain_.Add(call);
 }
 
-void Lookup::Finish(const char* kind, const std::string& value) {
+void TracedLookup::Finish(const char* kind, const std::string& value) {
   const Chain::Map* const map = chain_.source();
   const std::string source = map == nullptr ? "" : DisplayName(map->name);
-  if (Mode() == TraceMode::kSummary) return Summary::The().AddLookup(key_, kind, source, value);
+  if (Mode() == TraceMode::kSummary)
+    return Summary::Instance().AddLookup(key_, kind, source, value);
   line_ += " = " + value + (map == nullptr ? ", the default" : " from " + source) + "; asked ";
   WriteLine();
 }
 
-void Lookup::FinishHandOver() {
+void TracedLookup::FinishSetSim() {
   if (Mode() == TraceMode::kSummary) return;
   line_ += "; handed to ";
   WriteLine();
 }
 
-void Lookup::WriteLine() {
+void TracedLookup::WriteLine() {
   line_ += Join(chain_.maps(), ", ", [](const Chain::Map& map) { return DisplayName(map.name); });
-  Output::The().Write((line_ += '\n') += steps_);
+  Output::Instance().Write((line_ += '\n') += steps_);
 }
 
 }  // namespace cadrova::tools

@@ -1,8 +1,10 @@
-// Prints the same as `cadrova matrix carrier-region int KEY --csv`, but reads the file with GLib's
+// Prints the same as `cadrova matrix carrier-region int KEY --csv`, but looks up the key in GLib's
 // GKeyFile, one device after the other.
 //
-//   grid KEY_FILE REGIONS CARRIERS KEY    REGIONS and CARRIERS are the numbers of codes that were
-//                                         given to scripts/make-fleet; the unset code is added
+//   gkeyfile_matrix KEY_FILE REGIONS CARRIERS KEY
+//
+// REGIONS and CARRIERS are the numbers that were given to scripts/make-fleet. The unset codes are
+// added.
 
 #include <glib.h>
 
@@ -24,7 +26,8 @@ std::set<std::string> Codes(const std::string& front, int count) {
 int main(int argc, char** argv) {
   GKeyFile* const file = g_key_file_new();
   if (argc != 5 || !g_key_file_load_from_file(file, argv[1], G_KEY_FILE_NONE, nullptr)) {
-    std::fprintf(stderr, "usage: grid KEY_FILE REGIONS CARRIERS KEY, with a readable file\n");
+    std::fprintf(stderr,
+                 "usage: gkeyfile_matrix KEY_FILE REGIONS CARRIERS KEY, with a readable file\n");
     return 2;
   }
   const char* const key = argv[4];

@@ -1,4 +1,4 @@
-// A lookup of the program, and the line that libcadrova_trace.so writes about it.
+// A lookup of the program, and its line in the trace.
 #pragma once
 
 #include <string>
@@ -13,18 +13,19 @@
 namespace cadrova::tools {
 
 // Exists on the calling thread from the start of the lookup until its line is written.
-class Lookup {
+class TracedLookup {
  public:
-  Lookup(const char* function, const std::string& key, const auto&... default_value) : key_(key) {
+  TracedLookup(const char* function, const std::string& key, const auto&... default_value)
+      : key_(key) {
     AppendCall(line_, function, key, default_value...);
     current = this;
   }
-  Lookup(const Lookup&) = delete;
-  Lookup& operator=(const Lookup&) = delete;
-  ~Lookup() { current = nullptr; }
+  TracedLookup(const TracedLookup&) = delete;
+  TracedLookup& operator=(const TracedLookup&) = delete;
+  ~TracedLookup() { current = nullptr; }
 
-  // The lookup that runs on this thread, or NULL. If it calls another, that is part of it.
-  static inline thread_local Lookup* current = nullptr;
+  // The lookup that runs on this thread, or NULL. A lookup that it calls is part of it.
+  static inline thread_local TracedLookup* current = nullptr;
 
   void Add(const DeviceCall& call);
 
@@ -32,7 +33,7 @@ class Lookup {
   void Finish(const T& value) {
     Finish(host::ToString(host::KindOf(host::Value(std::in_place_type<T>))), ToJsonText(value));
   }
-  void FinishHandOver();
+  void FinishSetSim();
 
  private:
   void Finish(const char* kind, const std::string& value);
