@@ -58,9 +58,8 @@ TEST_F(FakeCore, StopsAfterPendingOutputIfADefaultFileHasAnError) {
                     variable + "\n$");
   }
   const std::string bad = TemporaryFile("bad", "x = 1\ny = 2\n");
-  EXPECT_EXIT(
-      look_up("CADROVA_HOST_DATA", bad), testing::ExitedWithCode(2),
-      "^before " + bad + ":1:1: x is outside every map; put it below a .MAP. line\n$");
+  EXPECT_EXIT(look_up("CADROVA_HOST_DATA", bad), testing::ExitedWithCode(2),
+              "^before " + bad + ":1:1: x is outside every map; put it below a .MAP. line\n$");
 }
 
 TEST_F(Kit, LoadsDataWithoutErrorsAndClearsOnePartAtATime) {
