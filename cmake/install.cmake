@@ -38,12 +38,15 @@ if(TARGET cadrova_host AND CADROVA_INSTALL_HOST)
   set(CADROVA_HAS_KIT ON)
 endif()
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/cadrova)
-configure_package_config_file(cmake/cadrovaConfig.cmake.in cadrovaConfig.cmake
+# Not into the build folder itself: if its `bin` is in PATH, find_package searches it.
+set(config_dir ${PROJECT_BINARY_DIR}/CMakeFiles/package)
+configure_package_config_file(cmake/cadrovaConfig.cmake.in ${config_dir}/cadrovaConfig.cmake
   INSTALL_DESTINATION ${package_dir} PATH_VARS CMAKE_INSTALL_INCLUDEDIR CMAKE_INSTALL_LIBDIR
   NO_SET_AND_CHECK_MACRO)
-write_basic_package_version_file(cadrovaConfigVersion.cmake COMPATIBILITY SameMajorVersion)
-install(FILES ${PROJECT_BINARY_DIR}/cadrovaConfig.cmake
-  ${PROJECT_BINARY_DIR}/cadrovaConfigVersion.cmake cmake/standard_library.cmake
+write_basic_package_version_file(${config_dir}/cadrovaConfigVersion.cmake
+  COMPATIBILITY SameMajorVersion)
+install(FILES ${config_dir}/cadrovaConfig.cmake ${config_dir}/cadrovaConfigVersion.cmake
+  cmake/standard_library.cmake
   DESTINATION ${package_dir})
 
 set(pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
