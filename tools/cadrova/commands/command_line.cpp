@@ -1,6 +1,7 @@
 #include "commands/command_line.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <sstream>
 
 #include "commands/command.h"
@@ -86,14 +87,34 @@ class Parser {
       Print(Trimmed(text.str()));
       return kSuccess;
     }
-    std::string what = error.what();
-    const bool is_unexpected = dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr;
-    if (is_unexpected && what.find(": -") != std::string::npos) {
-      what += "; put arguments that start with \"-\" after \"--\"";
-    }
     std::string command = "cadrova";
     for (const CLI::App* app : app_.get_subcommands()) command += ' ' + app->get_name();
-    throw Failure(what + "; see " + command + " --help");
+    throw Failure(Describe(error) + "; see " + command + " --help");
+  }
+
+  // In plainer words than CLI11's, and with arguments in the order in which they were given.
+  std::string Describe(const CLI::ParseError& error) const {
+    const std::string what = error.what();
+    if (dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr) {
+      const std::vector<std::string> rest = app_.remaining(true);
+      const bool is_option = std::ranges::any_of(
+          rest, [](const std::string& argument) { return argument.starts_with('-'); });
+      return "not expected: " + Join(rest, " ") +
+             (is_option ? "; put arguments that start with \"-\" after \"--\"" : "");
+    }
+    if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr) {
+      constexpr std::pair<const char*, const char*> endings[] = {
+          {": At Most 1 required", " is given more than once"},
+          {": 1 required", " needs a value"},
+          {" was given a disallowed flag override", " takes no value"}};
+      for (const auto& [ending, plainer] : endings) {
+        const std::size_t at = what.find(ending);
+        // CLI11 names a flag without its dashes.
+        const std::string dashes = what.starts_with('-') ? "" : "--";
+        if (at != std::string::npos) return dashes + what.substr(0, at) + plainer;
+      }
+    }
+    return what;
   }
 
   CLI::App app_;
@@ -119,7 +140,7 @@ void Options::Add(const std::string& name, std::optional<std::string>& value,
 }
 
 void Options::AddFlag(const std::string& name, bool& value, const std::string& description) {
-  app_.add_flag_callback(name, [&] { value = true; }, description);
+  app_.add_flag_callback(name, [&] { value = true; }, description)->disable_flag_override();
 }
 
 void Options::AddRepeatable(const std::string& name, std::vector<std::string>& values,

@@ -27,8 +27,7 @@ class Diff : public Command {
     options.Add("--family", family_, "FAMILY",
                 "Family to compare (default: carrier-region and sim)");
     fleet_.DeclareOptions(options);
-    options.AddFlag("--json", json_,
-                    "Print a JSON array of objects: family, kind, key, region, carrier, old, new");
+    options.AddFlag("--json", json_, "Print a JSON array with one object per change and device");
   }
 
   int Run() override {
