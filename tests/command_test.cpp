@@ -170,6 +170,21 @@ TEST(Lookup, IsExported) {
   EXPECT_EQ(known, exported);
 }
 
+// Each family is walked by the test of the library, and is in the README and its picture.
+TEST(Lookup, IsTestedAndDocumented) {
+  const auto contents = [](const std::string& file) {
+    return FileContents(CADROVA_SOURCES + file);
+  };
+  const std::string test = contents("/tests/library_test.cpp"), readme = contents("/README.md");
+  const std::string picture = contents("/docs/chains.svg");
+  for (const auto& [name, infix, is_compared, is_checked, lookups] : Families()) {
+    const std::string row = std::string("| `") + name + "` | `get" + infix + "…Feature` |";
+    EXPECT_NE(test.find("LOOKUPS(" + std::string(infix) + ')'), std::string::npos) << name;
+    EXPECT_NE(readme.find(row), std::string::npos) << row;
+    EXPECT_NE(picture.find(">" + std::string(name) + '<'), std::string::npos) << name;
+  }
+}
+
 TEST(Explain, ShowsALookupAsTextStepsAndJson) {
   const std::string lookup = "explain|sim|int|ring|7|--carrier|X1|--sim|other=1|--data|" +
                              TemporaryFile("explained.toml", R"(
@@ -444,7 +459,11 @@ TEST(Command, RefusesWithOneLineThatSaysWhy) {
       {int_k + "|1|-2", "not expected: -2; put arguments that start with \"-\" after \"--\"; see cadrova get --help\n"},
       {int_k + "|--jsn", "not expected: --jsn"}, {int_k + "|a\nb", "default 'a?b' is not an int"},
       {region_k + "|--region|--carrier|X1", "--region: a value is missing before '--carrier'; see"},
-      {"get|sim|int|k|1|--sim|a=b|z=y", "not expected: z=y"},
+      {"get|sim|int|k|1|--sim|a=b|z=y", "not expected: z=y; see cadrova get --help\n"},
+      {"matrix|region|int|k|--region|EU", "cadrova: not expected: --region EU; put arguments"},
+      {region_k + "|--region", "cadrova: --region needs a value; see cadrova get --help\n"},
+      {region_k + "|--region|A|--region|B", "cadrova: --region is given more than once; see"},
+      {int_k + "|--json=2", "cadrova: --json takes no value; see"},
       {"explain|sim|int|k|--json|--steps", "--json and --steps can't be combined\n"},
       {"matrix", "cadrova: give FAMILY, KIND and KEY; or none of them, with --html\n"},
       {"matrix|region|int|--html|page", "cadrova: give FAMILY, KIND and KEY"},
@@ -488,6 +507,16 @@ TEST(Command, RefusesWithOneLineThatSaysWhy) {
     expect_refusal(Cadrova(region_k, store + file),
                    file + ":2: not a key=value line: " + quoted + '\n');
   }
+}
+
+TEST(Command, HasAFileOfItsName) {
+  std::set<std::string> names = {"command_line", "commands", "shared_options"}, files;
+  for (const CommandInfo& command : Commands()) names.insert(command.name);
+  for (const auto& file :
+       std::filesystem::directory_iterator(CADROVA_SOURCES "/tools/cadrova/commands")) {
+    if (file.path().extension() == ".cpp") files.insert(file.path().stem());
+  }
+  EXPECT_EQ(names, files) << "commands.cpp lists each command";
 }
 
 // The manual page and the completions mention exactly the options, commands, families and kinds of

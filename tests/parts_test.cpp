@@ -69,6 +69,18 @@ TEST(Fleet, IsDerivedFromTheNamesOfMaps) {
   }
 }
 
+// The maps of each family give these codes, and no map is taken for a region.
+TEST(Fleet, OfTheMapsThatADeviceConsultsHasOnlyItsCodes) {
+  const Fleet device = {{"R"}, {"C"}};
+  for (const Family& family : Families()) {
+    Names maps = FleetChains(family, device).MapNames();
+    maps.insert(maps.end(), {"R", "SIM_C"});
+    const Fleet fleet = FleetOf(maps);
+    EXPECT_EQ(std::pair(fleet.regions, fleet.carriers), std::pair(Names{"", "R"}, Names{"", "C"}))
+        << family.name;
+  }
+}
+
 TEST(Suggestions, AreSimilarNamesWithTheBestFirst) {
   const struct {
     std::string name;
