@@ -94,7 +94,7 @@ class Parser {
 
   // In plainer words than CLI11's, and with arguments in the order in which they were given.
   std::string Describe(const CLI::ParseError& error) const {
-    const std::string what = error.what();
+    std::string what = error.what();
     if (dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr) {
       const std::vector<std::string> rest = app_.remaining(true);
       const bool is_option = std::ranges::any_of(
