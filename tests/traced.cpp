@@ -31,6 +31,7 @@ int main(int, char** argv) {
   } else if (what == "reads-property") {
     android::base::GetProperty("unrelated", "");
     android::getSimCustIntFeature("ring", 1);
+    android::setSimCadrova("k", "v");
   } else if (what == "has-threads") {
     std::vector<std::thread> threads;
     for (int thread = 0; thread < 4; ++thread) {
@@ -51,7 +52,8 @@ int main(int, char** argv) {
     getCustIntFeature("ring", 1);
     std::raise(SIGTERM);
   } else if (what == "reopens-standard-error") {
-    close(STDERR_FILENO);
+    for (int low = STDERR_FILENO; low < 32; ++low) close(low);
+    errno = 0;
     if (open(argv[2], O_WRONLY) != STDERR_FILENO) return 1;
     getCustIntFeature("ring", 1);
   }
