@@ -102,13 +102,9 @@ TEST(Table, CountsCharactersAndNotBytes) {
 }
 
 TEST(Matrix, MergesEqualRowsAndColumnsAndListsLongValuesBelow) {
-  const std::string maps = R"([DEFAULT]
-k = ['é23456789012']
-[COTA_X1_EU]
-k = ['1234567890123']
-[COTA_X1]
-k = ['1234567890123']
-)";
+  const std::string maps =
+      "DEFAULT.k = ['é23456789012']\nCOTA_X1_EU.k = ['1234567890123']\nCOTA_X1.k = "
+      "['1234567890123']";
   const Fleet fleet = {{"", "EU", "R1", "R2", "R3", "R4", "R5"}, {"", "N7", "X1"}};
   EXPECT_EQ(Matrix(maps, fleet, "carrier-region", Kind::kStringArray).ToText(),
             R"(                        carrier
@@ -174,18 +170,17 @@ TEST(Matrix, KeepsAMapWithSimDataApartFromARegionOfThatName) {
 }
 
 TEST(Csv, QuotesTextsListsAndMaps) {
-  const Fleet fleet = {{"a\"b"}, {""}};
   const std::string header = "region,carrier,value,map\n\"a\"\"b\",\"\",";
   const struct {
     std::string toml;
     Kind kind;
     std::string fields;
-  } cases[] = {{"[DEFAULT]\nk = 'a \"b\"'", Kind::kString, "\"a \"\"b\"\"\",\"DEFAULT\"\n"},
-               {"[DEFAULT]\nk = ['a']", Kind::kStringArray, "\"[\"\"a\"\"]\",\"DEFAULT\"\n"},
-               {"[DEFAULT]\nk = -inf", Kind::kFloat, "-inf,\"DEFAULT\"\n"},
-               {"", Kind::kInt, "0,\n"}};
+  } cases[] = {// clang-format off
+      {"DEFAULT.k = 'a \"b\"'", Kind::kString, "\"a \"\"b\"\"\",\"DEFAULT\"\n"}, {"", Kind::kInt, "0,\n"},
+      {"DEFAULT.k = ['a']", Kind::kStringArray, "\"[\"\"a\"\"]\",\"DEFAULT\"\n"}, {"DEFAULT.k = -inf", Kind::kFloat, "-inf,\"DEFAULT\"\n"}};
+  // clang-format on
   for (const auto& [toml, kind, fields] : cases) {
-    const Matrix matrix(toml, fleet, "region", kind);
+    const Matrix matrix(toml, {{"a\"b"}, {""}}, "region", kind);
     EXPECT_EQ(ToCsv(matrix.chains, matrix.results), header + fields);
   }
 }
@@ -201,8 +196,8 @@ TEST(Json, HasAllElementsOfALongArrayAndFloatsThatAreNoNumbers) {
     array.Finish();
   });
   EXPECT_EQ(printed, elements + "\n]\n");
-  const Matrix matrix("[DEFAULT]\nk = -inf\n[EU]\nk = nan\n[JP]\nk = inf\n",
-                      {{"", "EU", "JP"}, {""}}, "region", Kind::kFloat);
+  const Matrix matrix("DEFAULT.k = -inf\nEU.k = nan\nJP.k = inf", {{"", "EU", "JP"}, {""}},
+                      "region", Kind::kFloat);
   EXPECT_EQ(CaptureStdout([&] { PrintJson(matrix.chains, matrix.results); }), R"([
 {"region":"","carrier":"","value":"-inf","map":"DEFAULT"},
 {"region":"EU","carrier":"","value":"nan","map":"EU"},
@@ -213,14 +208,7 @@ TEST(Json, HasAllElementsOfALongArrayAndFloatsThatAreNoNumbers) {
 
 // A map can be at different places of the chains of two devices.
 TEST(HtmlReport, IsLikeTheGoldenFile) {
-  Matrix::Load(R"([DEFAULT]
-k = 30
-name = 'a "b" <c>&'
-[COTA_X1]
-k = 25
-[SIM_X1]
-k = 15
-)");
+  Matrix::Load("DEFAULT = {k = 30, name = 'a \"b\" <c>&'}\nCOTA_X1.k = 25\nSIM_X1.k = 15");
   const Fleet fleet = {{"", "COTA_X1"}, {"", "X1"}};
   HtmlReport report("<text>", fleet);
   for (const auto& [key, kind, maps] : IndexFeatures(host::List())) {

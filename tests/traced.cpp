@@ -10,7 +10,6 @@
 #include <cstdlib>
 #include <string>
 #include <thread>
-#include <vector>
 
 #include "cadrova/cadrova.h"
 
@@ -33,12 +32,10 @@ int main(int, char** argv) {
     android::getSimCustIntFeature("ring", 1);
     android::setSimCadrova("k", "v");
   } else if (what == "has-threads") {
-    std::vector<std::thread> threads;
-    for (int thread = 0; thread < 4; ++thread) {
-      threads.emplace_back([] {
-        for (int call = 0; call < 500; ++call) getCustIntFeature("ring", call);
-      });
-    }
+    const auto look_up = [] {
+      for (int call = 0; call < 500; ++call) getCustIntFeature("ring", call);
+    };
+    std::thread threads[] = {std::thread(look_up), std::thread(look_up), std::thread(look_up)};
     for (std::thread& thread : threads) thread.join();
   } else if (what == "has-a-long-line") {
     android::getCustStringFeature("missing", std::string(std::size_t{1} << 20U, 'x'));
