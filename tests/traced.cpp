@@ -33,9 +33,10 @@ int main(int, char** argv) {
     android::setSimCadrova("k", "v");
   } else if (what == "has-threads") {
     const auto look_up = [] {
-      for (int call = 0; call < 500; ++call) getCustIntFeature("ring", call);
+      for (int call = 0; call < 2000; ++call) getCustIntFeature("ring", call);
     };
-    std::thread threads[] = {std::thread(look_up), std::thread(look_up), std::thread(look_up)};
+    std::thread threads[8];
+    for (std::thread& thread : threads) thread = std::thread(look_up);
     for (std::thread& thread : threads) thread.join();
   } else if (what == "has-a-long-line") {
     android::getCustStringFeature("missing", std::string(std::size_t{1} << 20U, 'x'));
