@@ -1,11 +1,13 @@
 // The files of a test program. They are in a temporary folder, which is removed at exit.
 #pragma once
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <stdexcept>
 #include <string>
 
@@ -30,16 +32,15 @@ inline std::string FileContents(const std::string& path) {
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-// Everything that is written to the terminal of `pseudoterminal` until all programs have closed it.
-inline std::string ReadAll(int pseudoterminal) {
+// What is written to a terminal while `action` runs, which gets its path.
+inline std::string ShownOnTerminal(const std::function<void(const std::string&)>& action) {
+  const int terminal = posix_openpt(O_RDWR | O_NOCTTY);
+  if (grantpt(terminal) + unlockpt(terminal) != 0) throw std::runtime_error("no terminal");
+  action(ptsname(terminal));
   std::string text;
   char buffer[4096];
-  while (true) {
-    const ssize_t size = read(pseudoterminal, buffer, sizeof buffer);
-    if (size <= 0) break;
-    text.append(buffer, static_cast<std::size_t>(size));
-  }
-  close(pseudoterminal);
+  for (ssize_t size; (size = read(terminal, buffer, sizeof buffer)) > 0;) text.append(buffer, size);
+  close(terminal);
   return text;
 }
 

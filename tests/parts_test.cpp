@@ -87,25 +87,16 @@ TEST(Suggestions, AreSimilarNamesWithTheBestFirst) {
     Names candidates, suggested;  // by Suggest
     Names indexed;                // by SuggestionIndex
   } cases[] = {
-      {"ring.secnods",
-       {"ring.sceonds", "ring.seconds"},
-       {"ring.seconds", "ring.sceonds"},
-       {"ring.seconds"}},
-      {"ring",
-       {"rnig", "RING", "bring", "tone"},
-       {"RING", "bring", "rnig"},
-       {"RING", "bring", "rnig"}},
-      {"COTA_EU_X1",
-       {"COTA_X1_EU", "COTA_EU_X"},
-       {"COTA_X1_EU", "COTA_EU_X"},
-       {"COTA_X1_EU", "COTA_EU_X"}},
+      // clang-format off
+      {"ring.secnods", {"ring.sceonds", "ring.seconds"}, {"ring.seconds", "ring.sceonds"}, {"ring.seconds"}},
+      {"ring", {"rnig", "RING", "bring", "tone"}, {"RING", "bring", "rnig"}, {"RING", "bring", "rnig"}},
+      {"COTA_EU_X1", {"COTA_X1_EU", "COTA_EU_X"}, {"COTA_X1_EU", "COTA_EU_X"}, {"COTA_X1_EU", "COTA_EU_X"}},
       {"seconds", {"ring.seconds"}, {"ring.seconds"}, {"ring.seconds"}},
-      {"ab", {"ac", "a b", "AB"}, {"AB"}, {"AB"}},
-      {"band.12", {"band.11", "Band.12"}, {"Band.12", "band.11"}, {"Band.12"}},
-      {"...", {"---"}, {}, {}},
+      {"ab", {"ac", "a b", "AB"}, {"AB"}, {"AB"}}, {"abc", {"abd"}, {"abd"}, {"abd"}},
+      {"band.12", {"band.11", "Band.12"}, {"Band.12", "band.11"}, {"Band.12"}}, {"...", {"---"}, {}, {}},
       // Two edits in ten bytes are a fifth; in nine they are more.
-      {"abcdefghij", {"abcdefgh", "abcdefg"}, {"abcdefgh"}, {}},
-      {"abcdefghi", {"abcdefg"}, {}, {}},
+      {"abcdefghij", {"abcdefgh", "abcdefg"}, {"abcdefgh"}, {}}, {"abcdefghi", {"abcdefg"}, {}, {}},
+      // clang-format on
   };
   const auto names = [](const std::vector<Suggestion>& suggestions) {
     return Join(suggestions, ", ", &Suggestion::name);
@@ -124,29 +115,28 @@ TEST(Table, CountsCharactersAndNotBytes) {
 
 TEST(Matrix, MergesEqualRowsAndColumnsAndListsLongValuesBelow) {
   const std::string maps =
-      "[DEFAULT]\nk = ['é23456789012']\n[COTA_X1_EU]\nk = ['12345678901234']\n";
-  const Fleet fleet = {{"", "EU", "JP"}, {"", "N7", "X1"}};
+      "DEFAULT.k = ['é23456789012']\nCOTA_X1_EU.k = ['1234567890123']\nCOTA_X1.k = "
+      "['1234567890123']";
+  const Fleet fleet = {{"", "EU", "R1", "R2", "R3", "R4", "R5"}, {"", "N7", "X1"}};
   EXPECT_EQ(Matrix(maps, fleet, "carrier-region", Kind::kStringArray).ToText(),
-            R"(        carrier
-region  "", N7                    X1
-"", JP  ["é23456789012"] DEFAULT  ["é23456789012"] DEFAULT
-EU      ["é23456789012"] DEFAULT  (1) COTA_X1_EU
+            R"(                        carrier
+region                  "", N7                    X1
+"", R1, R2, R3, R4, R5  ["é23456789012"] DEFAULT  (1) COTA_X1
+EU                      ["é23456789012"] DEFAULT  (1) COTA_X1_EU
 
-(1)  ["12345678901234"]
+(1)  ["1234567890123"]
 )");
   EXPECT_EQ(Matrix(maps, {{"EU"}, {"X1"}}, "region", Kind::kInt).ToText(),
             "        carrier\nregion  X1\nEU      no map\n");
-  EXPECT_EQ(Matrix(maps, fleet, "carrier", Kind::kInt).ToText(),
-            "              carrier\nregion        every carrier\nevery region  no map\n");
 }
 
 TEST(Matrix, PutsColumnsThatVaryFirstAndNamesALargeGroupByItsSize) {
   // The first carriers get the same in all regions, the last one does not.
   std::string maps = "[DEFAULT]\nk = 0\n[COTA_C9_EU]\nk = 99\n";
-  for (int i = 1; i <= 9; ++i) {
-    maps += "[COTA_C" + std::to_string(i) + "]\nk = " + std::to_string(i) + '\n';
+  for (const std::string i : {"1", "2", "3", "4", "5", "6", "7", "8", "9"}) {
+    maps += "[COTA_C" + i + "]\nk = " + i + '\n';
   }
-  EXPECT_EQ(Matrix(maps, {{"EU", "JP"}, Codes("C", 1, 17)}, "carrier-region", Kind::kInt).ToText(),
+  EXPECT_EQ(Matrix(maps, {{"EU", "JP"}, Codes("C", 1, 16)}, "carrier-region", Kind::kInt).ToText(),
             R"(        carrier
 region  C9
 EU      99 COTA_C9_EU
@@ -157,23 +147,31 @@ region        C1         C2         C3         C4         C5         C6         
 every region  1 COTA_C1  2 COTA_C2  3 COTA_C3  4 COTA_C4  5 COTA_C5  6 COTA_C6  7 COTA_C7  8 COTA_C8
 
               carrier
-region        8 others
+region        7 others
 every region  0 DEFAULT
 )");
 }
 
 TEST(Matrix, ListsExceptionsOfSingleDevicesIfTheTableWouldBeTooLarge) {
-  std::string maps = "[DEFAULT]\nk = 0\n", exceptions;
-  for (int i = 10; i < 40; ++i) {
-    const std::string code = std::to_string(i), map = "COTA_C" + code + "_R" + code;
+  std::string maps, exceptions;
+  for (const std::string& code : Codes("", 10, 39)) {
+    const std::string map = "COTA_C" + code + "_R" + code;
     maps += '[' + map + "]\nk = " + code + '\n';
     exceptions += 'R' + code + "     C" + code + "      " + code + ' ' + map + '\n';
   }
-  const Fleet fleet = {Codes("R", 10, 39), Codes("C", 10, 39)};
-  EXPECT_EQ(Matrix(maps, fleet, "carrier-region", Kind::kInt).ToText(),
-            "              carrier\nregion        every carrier\nevery region  0 DEFAULT\n\n"
+  const Matrix matrix(maps, {Codes("R", 10, 39), Codes("C", 10, 39)}, "carrier-region", Kind::kInt);
+  EXPECT_EQ(matrix.ToText(),
+            "              carrier\nregion        every carrier\nevery region  no map\n\n"
             "region  carrier  exception\n" +
                 exceptions);
+  HtmlReport report("", matrix.fleet);
+  report.BeginFeature("k", Kind::kInt);
+  report.Add(matrix.chains.family(), LayOut(matrix.chains, matrix.results));
+  for (const std::string part :
+       {"map\">\n<li class=p2>", "<td class=none><small>no map</small></tr>\n",
+        "exceptions\n<span class=p2><b>R10, C10</b> 10 <small>COTA_C10_R10</small></span>\n"}) {
+    EXPECT_NE(report.ToHtml().find(part), std::string::npos) << part;
+  }
 }
 
 // A region code may be the name of a SIM map. The core has separate existence tests for SIM data.
@@ -184,37 +182,34 @@ TEST(Matrix, DistinguishesASimMapFromARegionOfTheSameName) {
 }
 
 TEST(Csv, QuotesTextsListsAndMaps) {
-  const Fleet fleet = {{"a\"b"}, {""}};
   const std::string header = "region,carrier,value,map\n\"a\"\"b\",\"\",";
   const struct {
     std::string toml;
     Kind kind;
     std::string fields;
-  } cases[] = {{"[DEFAULT]\nk = 'a \"b\"'", Kind::kString, "\"a \"\"b\"\"\",\"DEFAULT\"\n"},
-               {"[DEFAULT]\nk = ['a']", Kind::kStringArray, "\"[\"\"a\"\"]\",\"DEFAULT\"\n"},
-               {"[DEFAULT]\nk = -inf", Kind::kFloat, "-inf,\"DEFAULT\"\n"},
-               {"", Kind::kInt, "0,\n"}};
+  } cases[] = {// clang-format off
+      {"DEFAULT.k = 'a \"b\"'", Kind::kString, "\"a \"\"b\"\"\",\"DEFAULT\"\n"}, {"", Kind::kInt, "0,\n"},
+      {"DEFAULT.k = ['a']", Kind::kStringArray, "\"[\"\"a\"\"]\",\"DEFAULT\"\n"}, {"DEFAULT.k = -inf", Kind::kFloat, "-inf,\"DEFAULT\"\n"}};
+  // clang-format on
   for (const auto& [toml, kind, fields] : cases) {
-    const Matrix matrix(toml, fleet, "region", kind);
+    const Matrix matrix(toml, {{"a\"b"}, {""}}, "region", kind);
     EXPECT_EQ(ToCsv(matrix.chains, matrix.results), header + fields);
   }
 }
 
 TEST(Json, HasAllElementsOfALongArrayAndFloatsThatAreNoNumbers) {
-  JsonArrayPrinter array;
-  std::string expected = "[";
+  std::string elements;
   const std::string printed = CaptureStdout([&] {
-    for (int i = 0; i < 10'000; ++i) {
-      const std::string element = ToJson(Value("element " + std::to_string(i)));
+    JsonArrayPrinter array;
+    for (const std::string& element : Codes("", 1, 20'000)) {
       array.Add(element);
-      expected += (i == 0 ? "\n" : ",\n") + element;
+      elements += (elements.empty() ? "[\n" : ",\n") + element;
     }
     array.Finish();
   });
-  EXPECT_EQ(printed, expected + "\n]\n");
-  EXPECT_EQ(CaptureStdout([] { JsonArrayPrinter().Finish(); }), "[]\n");
-  const Matrix matrix("[DEFAULT]\nk = -inf\n[EU]\nk = nan\n[JP]\nk = inf\n",
-                      {{"", "EU", "JP"}, {""}}, "region", Kind::kFloat);
+  EXPECT_EQ(printed, elements + "\n]\n");
+  const Matrix matrix("DEFAULT.k = -inf\nEU.k = nan\nJP.k = inf", {{"", "EU", "JP"}, {""}},
+                      "region", Kind::kFloat);
   EXPECT_EQ(CaptureStdout([&] { PrintJson(matrix.chains, matrix.results); }), R"([
 {"region":"","carrier":"","value":"-inf","map":"DEFAULT"},
 {"region":"EU","carrier":"","value":"nan","map":"EU"},
@@ -225,14 +220,7 @@ TEST(Json, HasAllElementsOfALongArrayAndFloatsThatAreNoNumbers) {
 
 // The same map has different positions in the chains of two devices.
 TEST(HtmlReport, IsEqualToTheGoldenFile) {
-  Matrix::Load(R"([DEFAULT]
-k = 30
-name = 'a "b" <c>&'
-[COTA_X1]
-k = 25
-[SIM_X1]
-k = 15
-)");
+  Matrix::Load("DEFAULT = {k = 30, name = 'a \"b\" <c>&'}\nCOTA_X1.k = 25\nSIM_X1.k = 15");
   const Fleet fleet = {{"", "COTA_X1"}, {"", "X1"}};
   HtmlReport report("<text>", fleet);
   for (const auto& [key, kind, maps] : IndexFeatures(host::List())) {
@@ -248,22 +236,26 @@ k = 15
 }
 
 TEST(Progress, IsShownOnATerminalWhenWorkHasTakenHalfASecond) {
-  const int terminal = posix_openpt(O_RDWR | O_NOCTTY);
-  ASSERT_EQ(grantpt(terminal) + unlockpt(terminal), 0);
-  const pid_t child = fork();
-  if (child == 0) {
-    dup2(open(ptsname(terminal), O_RDWR | O_NOCTTY), STDERR_FILENO);
-    {
-      Progress progress("working");
-      progress.Show(1, 4);
-      usleep(510'000);
-      progress.Show(2, 4);
-      progress.Show(3, 4);
+  const auto work = [](const std::string& standard_error) {
+    dup2(open(standard_error.c_str(), O_WRONLY | O_NOCTTY), STDERR_FILENO);
+    Progress progress("working");
+    progress.Show(1, 4);
+    usleep(510'000);
+    progress.Show(2, 4);
+    progress.Show(3, 4);
+  };
+  const std::string file = TemporaryFile("not a terminal", "");
+  const std::string shown = ShownOnTerminal([&](const std::string& terminal) {
+    const pid_t child = fork();
+    if (child == 0) {
+      work(file);
+      work(terminal);
+      _exit(0);
     }
-    _exit(0);
-  }
-  waitpid(child, nullptr, 0);
-  EXPECT_EQ(ReadAll(terminal), "\rcadrova: working: 50 %\x1B[K\r\x1B[K");
+    waitpid(child, nullptr, 0);
+  });
+  EXPECT_EQ(shown, "\rcadrova: working: 50 %\x1B[K\r\x1B[K");
+  EXPECT_EQ(FileContents(file), "");
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <cstring>
 #include <initializer_list>
 #include <iterator>
+#include <optional>
 #include <utility>
 
 #include "existence_tests.h"
@@ -35,10 +36,6 @@ char* output = nullptr;
 std::size_t output_size = 0;
 std::size_t recorded_output_size = 0;
 
-void AddLine(const std::string& event) {
-  log.push_back(std::to_string(std::exchange(allocated, {}).size()) + ' ' + event);
-}
-
 void RecordOutput() {
   const bool was_flushed = output_size > recorded_output_size;
   std::fflush(stdout);
@@ -57,7 +54,7 @@ void RecordOutlivingCopies() {
 void RecordEvent(const std::string& event) {
   RecordOutput();
   RecordOutlivingCopies();
-  AddLine(event);
+  log.push_back(std::to_string(std::exchange(allocated, {}).size()) + ' ' + event);
 }
 
 template <class... Number>
@@ -78,12 +75,15 @@ void RecordCall(const char* function, std::initializer_list<const std::string*> 
   private_copies = long_strings;
 }
 
-// nullptr if the library reads more often than the test expects.
-Reading NextReading() {
-  if (device.readings.empty()) return nullptr;
+// Nothing if the library reads another type or more often than the test expects.
+template <class Content>
+std::optional<Content> NextReading() {
+  HeapPause pause;
+  if (device.readings.empty()) return std::nullopt;
   const Reading reading = device.readings.front();
   device.readings.pop_front();
-  return reading;
+  const auto* const content = std::get_if<Content>(&reading);
+  return content == nullptr ? std::nullopt : std::optional(*content);
 }
 
 // The name and the size of each block. Never destroyed, so that the leak checker does not report
@@ -108,19 +108,11 @@ char** Block(const PointerBlock& list) {
   return MakeBlock("array", slots.data(), slots.size());
 }
 
-template <class Number>
-Number NextNumber() {
-  const Reading reading = NextReading();
-  const auto* const number = std::get_if<Number>(&reading);
-  return number == nullptr ? Number() : *number;
-}
-
 template <class Content>
 auto NextBlock() {
   HeapPause pause;
-  const Reading reading = NextReading();
-  const auto* const content = std::get_if<Content>(&reading);
-  return content == nullptr ? nullptr : Block(*content);
+  const auto content = NextReading<Content>();
+  return content ? Block(*content) : nullptr;
 }
 
 }  // namespace
@@ -160,7 +152,7 @@ extern "C" {
 #define NUMBER_GETTER(name, Number)                                                   \
   Number name(const std::string& map, const std::string& key, Number default_value) { \
     RecordCall(#name, {&map, &key}, default_value);                                   \
-    return NextNumber<Number>();                                                      \
+    return NextReading<Number>().value_or(0);                                         \
   }
 NUMBER_GETTER(get_bool_from_map, cadrova_core_bool)
 NUMBER_GETTER(get_int_from_map, std::int32_t)

@@ -14,18 +14,21 @@
 
 using Words = std::vector<std::string>;
 
+inline Words operator+(Words words, const Words& more) {
+  words.insert(words.end(), more.begin(), more.end());
+  return words;
+}
+
 struct ProgramResult {
   std::string out, err;
   int status;  // the exit status, or 128 + the signal that ended the program
 };
 
-// Runs the command line `words` with the environment variables `settings`, each NAME=value. If
-// `out` or `err` names a file, that output goes to the file and is "" in the result.
+// Runs `words` with the environment variables `settings`, each NAME=value. If `out` or `err` names
+// a file, that output goes there and is "" in the result.
 inline ProgramResult RunProgram(const Words& words, const Words& settings = {},
                                 std::string out = "", std::string err = "") {
-  Words all = {"env", "-u", "CADROVA_HOST_PROPS"};
-  all.insert(all.end(), settings.begin(), settings.end());
-  all.insert(all.end(), words.begin(), words.end());
+  Words all = Words{"env", "-u", "CADROVA_HOST_PROPS"} + settings + words;
   std::vector<char*> arguments;
   for (std::string& word : all) arguments.push_back(word.data());
   arguments.push_back(nullptr);

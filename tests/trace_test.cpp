@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <csignal>
 #include <map>
 #include <regex>
@@ -19,11 +20,6 @@ namespace {
 const Words kSettings = {
     "CADROVA_HOST_DATA=" +
     TemporaryFile("data.toml", "[DEFAULT]" + kItems + "ring = 5\n[\"\"]\nring = 6\n")};
-
-Words operator+(Words words, const Words& more) {
-  words.insert(words.end(), more.begin(), more.end());
-  return words;
-}
 
 Words Traced(const Words& options, const Words& program) {
   return Words{CADROVA_COMMAND, "trace"} + options + Words{"--"} + program;
@@ -47,6 +43,11 @@ std::string WithLetters(const std::string& trace) {
 
 TEST(Trace, LogsEachLookupAndDoesNotChangeTheProgram) {
   const std::string another = TemporaryFile("another", "");
+  const std::string loaded = R"(A GetProperty("persist.sys.cota.carrier", "") = ""
+A sim_get_int_item_exist("SIM_", "ring") = false
+A sim_get_int_item_exist("SIM_DEFAULT", "ring") = false
+A getCotaRegionCustIntFeature("ring", 4) = 6 from ""; asked COTA__, COTA_, ""
+)";
   const struct {
     Words options, program;
     std::string trace;
@@ -54,6 +55,7 @@ TEST(Trace, LogsEachLookupAndDoesNotChangeTheProgram) {
   } cases[] = {
       {{}, {TRACED, "reads-property"}, R"(
 A getSimCustIntFeature("ring", 1) = 6 from ""; asked SIM_, SIM_DEFAULT, COTA__, COTA_, ""
+A setSimCadrova("k", "v"); handed to SIM_DEFAULT, ""
 )"},
       {{}, {TRACED, "forks"}, R"(
 A getCustIntFeature("ring", 0) = 5 from DEFAULT; asked DEFAULT
@@ -81,6 +83,12 @@ A setSimCadrova("first", "second"); handed to SIM_DEFAULT, ""
     GetProperty("persist.sys.cota.carrier", "") = ""
     cxx_sim_set_the_cadrova("", "first", "second")
 )"},
+      {{"--summary"}, {TRACED, "reads-property"}, R"(
+A lookups: 1
+lookups  default  key   kind  from maps  last value
+      1        0  ring  int   "" 1       6
+)"},
+      {{"--summary"}, {TRACED, "makes-no-lookup"}, "\n"},
       {{"--summary"}, {TRACED, "forks"}, R"(
 A lookups: 1
 lookups  default  key      kind  from maps  last value
@@ -90,26 +98,12 @@ lookups  default  key      kind  from maps  last value
       2        0  ring     int   DEFAULT 2  5
       1        1  missing  int              3
 )"},
-      {{},
-       {TRACED, "is-killed"},
-       R"(
-A getCustIntFeature("ring", 1) = 5 from DEFAULT; asked DEFAULT
-)",
-       128 + SIGTERM},
-      {{}, {TRACED, "reopens-standard-error", another}, R"(
-A getCustIntFeature("ring", 1) = 5 from DEFAULT; asked DEFAULT
-)"},
+      // clang-format off
+      {{}, {TRACED, "is-killed"}, "\nA getCustIntFeature(\"ring\", 1) = 5 from DEFAULT; asked DEFAULT\n", 128 + SIGTERM},
+      {{}, {TRACED, "reopens-standard-error", another}, "\nA getCustIntFeature(\"ring\", 1) = 5 from DEFAULT; asked DEFAULT\n"},
+      // clang-format on
       // A lookup resolved with `dlsym` is not named; only its calls are logged.
-      {{}, {LOADING}, R"(
-A GetProperty("persist.sys.cota.carrier", "") = ""
-A sim_get_int_item_exist("SIM_", "ring") = false
-A sim_get_int_item_exist("SIM_DEFAULT", "ring") = false
-A getCotaRegionCustIntFeature("ring", 4) = 6 from ""; asked COTA__, COTA_, ""
-A GetProperty("persist.sys.cota.carrier", "") = ""
-A sim_get_int_item_exist("SIM_", "ring") = false
-A sim_get_int_item_exist("SIM_DEFAULT", "ring") = false
-A getCotaRegionCustIntFeature("ring", 4) = 6 from ""; asked COTA__, COTA_, ""
-)"},
+      {{}, {LOADING}, '\n' + loaded + loaded},
       {{"--summary"}, {LOADING}, R"(
 A lookups: 2; calls by lookups without a name: 6
 lookups  default  key   kind  from maps  last value
@@ -132,28 +126,40 @@ TEST(Trace, WritesEachLineOfEachThreadInOnePiece) {
   std::map<std::string, int> lines;
   std::istringstream rest(WithLetters(FileContents(file)));
   for (std::string line; std::getline(rest, line);) ++lines[line];
-  EXPECT_EQ(lines.size(), 500U);
-  for (int call = 0; call < 500; ++call) {
-    EXPECT_EQ(lines["A.T getCustIntFeature(\"ring\", " + std::to_string(call) +
-                    ") = 5 from DEFAULT; asked DEFAULT"],
-              4);
+  EXPECT_EQ(lines.size(), 2000U);
+  for (int i = 0; i < 2000; ++i) {
+    const std::string call = "A.T getCustIntFeature(\"ring\", " + std::to_string(i) + ')';
+    ASSERT_EQ(lines[call + " = 5 from DEFAULT; asked DEFAULT"], 8) << call;
   }
+}
+
+// The program may change its folder, and run others.
+TEST(Trace, GivesTheProgramOnlyItsOwnSettings) {
+  const std::string script = R"(cd / && echo "$LD_PRELOAD,$CADROVA_TRACE_SHOW" && exec "$@")";
+  const Words settings = {"--chdir=" + kTemporaryFolder.path, "LD_PRELOAD=libdl.so.2",
+                          "CADROVA_TRACE=/nowhere/x", "CADROVA_TRACE_SHOW=summary"};
+  const Words program = {"sh", "-c", script, "", TRACED, "forks"};
+  const ProgramResult outcome =
+      RunProgram(Traced({"-o", "relative"}, program), settings + kSettings);
+  EXPECT_TRUE(outcome.out.ends_with("libcadrova_trace.so:libdl.so.2,\n")) << outcome.out;
+  EXPECT_EQ(std::ranges::count(FileContents(kTemporaryFolder.path + "/relative"), '\n'), 4);
+  const ProgramResult direct = RunProgram(Traced({}, program), settings + kSettings);
+  EXPECT_EQ(direct.err.find("/nowhere"), std::string::npos) << direct.err;
 }
 
 // The scripts run the traced program as "$@".
 TEST(Trace, DoesNotDisturbTheProgramIfItCannotWrite) {
   const std::string file = TemporaryFile("trace", ""), status = TemporaryFile("status", "");
-  const auto error = [](const std::string& what) {
-    return "libcadrova_trace.so: can't write to " + what + "; name another with CADROVA_TRACE\n";
-  };
+  const std::string error = "libcadrova_trace.so: can't write to ",
+                    advice = "; name another with CADROVA_TRACE\n";
   const struct {
     std::string what, script, to, err;
   } cases[] = {
-      {"has-threads", R"({ "$@"; echo $? >"$0"; } 2>&1 | true)", "/dev/stderr", ""},
-      {"has-threads", R"("$@"; echo $? >"$0")", "/dev/full",
-       error("/dev/full: No space left on device")},
-      {"has-a-long-line", R"((ulimit -f 1200; "$@"); echo $? >"$0")", file,
-       error(file + ": File too large")},
+      // clang-format off
+      {"has-threads", R"({ "$@"; echo $? >"$0"; } | true)", "/dev/stdout", ""},
+      {"has-threads", R"("$@"; echo $? >"$0")", "/dev/full", error + "/dev/full: No space left on device" + advice},
+      {"has-a-long-line", R"((ulimit -f 1200; "$@"); echo $? >"$0")", file, error + file + ": File too large" + advice},
+      // clang-format on
   };
   for (const auto& [what, script, to, err] : cases) {
     const Words program = Traced({"-o", to}, {TRACED, what});
@@ -162,16 +168,16 @@ TEST(Trace, DoesNotDisturbTheProgramIfItCannotWrite) {
   }
   const Words piped = Traced({"-o", file + ".pipe"}, {TRACED, "forks"});
   const std::string script =
-      R"(ulimit -n 64; mkfifo "$0"; "$@" & timeout 20 sh -c 'wc -l <"$0"' "$0")";
-  Expect(RunProgram(Words{"sh", "-c", script, file + ".pipe"} + piped, kSettings), "4\n", "");
+      R"(ulimit -n 64; mkfifo "$0"; "$@" & while read -r line; do echo; done <"$0")";
+  Expect(RunProgram(Words{"timeout", "20", "sh", "-c", script, file + ".pipe"} + piped, kSettings),
+         "\n\n\n\n", "");
 }
 
 TEST(Trace, ReportsAProgramThatCannotRun) {
-  const std::string text = TemporaryFile("not executable", "");
+  const std::string text = TemporaryFile("not executable", ""), error = "cadrova: can't run '";
   Expect(RunProgram(Traced({}, {"./nowhere"})), "",
-         "cadrova: can't run './nowhere': No such file or directory\n", 127);
-  Expect(RunProgram(Traced({}, {text})), "",
-         "cadrova: can't run '" + text + "': Permission denied\n", 126);
+         error + "./nowhere': No such file or directory\n", 127);
+  Expect(RunProgram(Traced({}, {text})), "", error + text + "': Permission denied\n", 126);
 }
 
 }  // namespace

@@ -10,7 +10,6 @@
 #include <cstdlib>
 #include <string>
 #include <thread>
-#include <vector>
 
 #include "cadrova/cadrova.h"
 
@@ -31,13 +30,13 @@ int main(int, char** argv) {
   } else if (what == "reads-property") {
     android::base::GetProperty("unrelated", "");
     android::getSimCustIntFeature("ring", 1);
+    android::setSimCadrova("k", "v");
   } else if (what == "has-threads") {
-    std::vector<std::thread> threads;
-    for (int thread = 0; thread < 4; ++thread) {
-      threads.emplace_back([] {
-        for (int call = 0; call < 500; ++call) getCustIntFeature("ring", call);
-      });
-    }
+    const auto look_up = [] {
+      for (int call = 0; call < 2000; ++call) getCustIntFeature("ring", call);
+    };
+    std::thread threads[8];
+    for (std::thread& thread : threads) thread = std::thread(look_up);
     for (std::thread& thread : threads) thread.join();
   } else if (what == "has-a-long-line") {
     android::getCustStringFeature("missing", std::string(std::size_t{1} << 20U, 'x'));
@@ -51,7 +50,8 @@ int main(int, char** argv) {
     getCustIntFeature("ring", 1);
     std::raise(SIGTERM);
   } else if (what == "reopens-standard-error") {
-    close(STDERR_FILENO);
+    for (int low = STDERR_FILENO; low < 32; ++low) close(low);
+    errno = 0;
     if (open(argv[2], O_WRONLY) != STDERR_FILENO) return 1;
     getCustIntFeature("ring", 1);
   }

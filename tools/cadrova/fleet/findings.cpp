@@ -171,8 +171,7 @@ void Checker::AddNeeded(const Feature& feature, const FleetChains& chains,
         chain = chain.subspan(next + 1);
         std::tie(without, next) = results.Find(chain);
       }
-      if (!compared.emplace(result, without).second) continue;
-      if (without->map == result->map || !IsSame(*result, *without)) {
+      if (compared.emplace(result, without).second && !IsSame(*result, *without)) {
         needed.emplace(*result->map, feature.key);
       }
     }
@@ -207,10 +206,9 @@ std::vector<Finding> Sorted(std::vector<Finding> findings) {
   std::ranges::sort(findings, {}, rank);
   std::vector<Finding> sorted;
   for (Finding& finding : findings) {
-    const bool is_at_last = !sorted.empty() && sorted.back().place == finding.place;
-    const bool is_dropped = is_at_last && ((sorted.back().is_error && !finding.is_error) ||
-                                           sorted.back().message == finding.message);
-    if (!is_dropped) sorted.push_back(std::move(finding));
+    const bool follows_error =
+        !sorted.empty() && sorted.back().is_error && sorted.back().place == finding.place;
+    if (finding.is_error || !follows_error) sorted.push_back(std::move(finding));
   }
   return sorted;
 }

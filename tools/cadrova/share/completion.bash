@@ -51,7 +51,7 @@ _cadrova() {
       fi
       words="--steps --summary -o --help --"
       ;;
-    help) words="explain get list matrix diff check trace help" ;;
+    help) words="explain get list matrix diff check trace help --help" ;;
   esac
   ((COMP_CWORD > 1)) || words="explain get list matrix diff check trace help --help --version"
   mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")
