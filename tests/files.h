@@ -2,6 +2,7 @@
 #pragma once
 
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -31,6 +32,15 @@ inline std::string FileContents(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
+
+#ifdef CADROVA_SOURCES
+// Compares `text` with a golden file, or writes that file if CADROVA_UPDATE_GOLDEN is set.
+inline void ExpectGolden(const std::string& text, const std::string& name) {
+  const std::string golden = CADROVA_SOURCES "/tests/golden/" + name;
+  if (std::getenv("CADROVA_UPDATE_GOLDEN") != nullptr) std::ofstream(golden) << text;
+  EXPECT_EQ(text, FileContents(golden)) << "if it is right, set CADROVA_UPDATE_GOLDEN=1";
+}
+#endif
 
 // What is written to a terminal while `action` runs, which gets its path.
 inline std::string ShownOnTerminal(const std::function<void(const std::string&)>& action) {

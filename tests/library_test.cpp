@@ -246,35 +246,9 @@ TEST(Lookup, FollowsTheTranscript) {
     getSimCustIntFeature(key, 7);
     setSimCadrova(kText, kOther);
   });
-  string transcript = R"(6 get_str_from_map(DEFAULT, KEY~, OTHER~)
-1 free TEXT~
-1 GetProperty(ro.orvel.region, )
-2 get_int_arr_item_exist(REGION~, KEY~)
-print getRegionCustIntArrayFeature exist with the region ! \n
-4 get_int_arr_from_map(REGION~, KEY~)
-3 free array
-3 GetProperty(persist.sys.cota.carrier, )
-3 get_str_item_exist(COTA_CARRIER~, KEY~)
-4 get_str_from_map(DEFAULT, KEY~, OTHER~)
-1 free TEXT~
-print getCotaCustStringFeature do not exist with the carrier : TEXT~ \n
-4 get_str_from_map(DEFAULT, KEY~, OTHER~)
-1 free OTHER~
-2 GetProperty(persist.sys.cota.carrier, )
-3 sim_get_int_item_exist(SIM_CARRIER~, KEY~)
-1 sim_get_int_item_exist(SIM_DEFAULT, KEY~)
-1 GetProperty(ro.orvel.region, )
-1 GetProperty(persist.sys.cota.carrier, )
-5 get_int_item_exist(COTA_CARRIER~_REGION~, KEY~)
-2 get_int_item_exist(COTA_CARRIER~, KEY~)
-2 get_int_item_exist(REGION~, KEY~)
-4 get_int_from_map(REGION~, KEY~, 7)
-print getCotaRegionCustIntFeature exist with the region : 1 \n
-4 get_int_from_map(REGION~, KEY~, 7)
-4 cxx_sim_set_the_cadrova(SIM_DEFAULT, TEXT~, OTHER~)
-1 GetProperty(persist.sys.cota.carrier, )
-3 cxx_sim_set_the_cadrova(CARRIER~, TEXT~, OTHER~)
-0 end)";
+  string transcript =
+#include "golden/lookups.inc"
+      ;
 #ifdef __GLIBCXX__  // libstdc++ copies a long left operand of `+` before it appends to the copy.
   transcript = std::regex_replace(transcript, std::regex("5 get"), "6 get");
 #endif

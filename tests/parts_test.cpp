@@ -230,9 +230,7 @@ TEST(HtmlReport, IsEqualToTheGoldenFile) {
       report.Add(chains.family(), LayOut(chains, chains.Collect(kind, key, &maps)));
     }
   }
-  const std::string golden = CADROVA_SOURCES "/tests/golden/report.html";
-  if (std::getenv("CADROVA_UPDATE_GOLDEN") != nullptr) std::ofstream(golden) << report.ToHtml();
-  EXPECT_EQ(report.ToHtml(), FileContents(golden)) << "if it is right, set CADROVA_UPDATE_GOLDEN=1";
+  ExpectGolden(report.ToHtml(), "report.html");
 }
 
 TEST(Progress, IsShownOnATerminalWhenWorkHasTakenHalfASecond) {

@@ -63,26 +63,9 @@ A getCustIntFeature("ring", 1) = 5 from DEFAULT; asked DEFAULT
 B getCustIntFeature("missing", 2) = 2, the default; asked DEFAULT
 A getCustIntFeature("missing", 3) = 3, the default; asked DEFAULT
 )"},
-      {{"--steps"}, {TRACED, "looks-up-each-kind"}, R"(
-A getCustBooleanFeature("bool", false) = true from DEFAULT; asked DEFAULT
-    get_bool_from_map("DEFAULT", "bool", false) = true
-A getCustIntFeature("int", 1) = -2147483648 from DEFAULT; asked DEFAULT
-    get_int_from_map("DEFAULT", "int", 1) = -2147483648
-A getCustFloatFeature("float", -1.5) = 0.35 from DEFAULT; asked DEFAULT
-    get_float_from_map("DEFAULT", "float", -1.5) = 0.35
-A getCustStringFeature("no\u000a\u001f\"\\", "é\u007f") = "é\u007f", the default; asked DEFAULT
-    get_str_from_map("DEFAULT", "no\u000a\u001f\"\\", "é\u007f") = "é\u007f"
-A getCustStringArrayFeature("string-array") = ["a","","c"] from DEFAULT; asked DEFAULT
-    get_str_arr_from_map("DEFAULT", "string-array") = ["a","","c"]
-A getCustIntArrayFeature("none") = [] from DEFAULT; asked DEFAULT
-    get_int_arr_from_map("DEFAULT", "none") = []
-A getCustMapArrayFeature("map-array") = [["k","123456789"],["k",""],["",""]] from DEFAULT; asked DEFAULT
-    get_map_arr_from_map("DEFAULT", "map-array") = [["k","123456789"],["k",""],["",""]]
-A setSimCadrova("first", "second"); handed to SIM_DEFAULT, ""
-    cxx_sim_set_the_cadrova("SIM_DEFAULT", "first", "second")
-    GetProperty("persist.sys.cota.carrier", "") = ""
-    cxx_sim_set_the_cadrova("", "first", "second")
-)"},
+      {{"--steps"},
+       {TRACED, "looks-up-each-kind"},
+       '\n' + FileContents(CADROVA_SOURCES "/tests/golden/trace_steps.txt")},
       {{"--summary"}, {TRACED, "reads-property"}, R"(
 A lookups: 1
 lookups  default  key   kind  from maps  last value

@@ -23,8 +23,9 @@ std::vector<std::string> OtherMaps(const host::Contents& contents,
   std::vector<std::pair<Suggestion, std::string>> ranked;  // a map in the chain, and the other map
   for (const auto& item : contents.items) {
     if (item.key != key || std::ranges::find(chain, item.map) != chain.end()) continue;
-    std::vector<Suggestion> similar;
-    for (const std::string& map : chain) similar.push_back(Compare(item.map, map));
+    std::vector<Suggestion> similar(chain.size());
+    std::ranges::transform(chain, similar.begin(),
+                           [&](const std::string& map) { return Compare(item.map, map); });
     ranked.emplace_back(*std::ranges::min_element(similar), item.map);
   }
   std::ranges::sort(ranked, {}, [](const auto& entry) {
@@ -70,8 +71,8 @@ std::vector<std::string> SimilarKeys(const host::Contents& contents,
 std::string ToExplanationText(const Explanation& explanation) {
   if (!CanListContents()) return ToText(explanation, nullptr);
   const auto contents = ListContents();
-  std::vector<std::string> chain;
-  for (const ChainEntry& entry : explanation.chain) chain.push_back(entry.map);
+  std::vector<std::string> chain(explanation.chain.size());
+  std::ranges::transform(explanation.chain, chain.begin(), &ChainEntry::map);
   const std::string& key = explanation.query.key;
   const DataFacts facts = {contents.file, OtherMaps(contents, chain, key),
                            SimilarKeys(contents, chain, key)};
