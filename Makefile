@@ -21,7 +21,7 @@ help:
 	@echo 'make run                     build the command and run it on sample data'
 	@echo 'make test                    build everything and run all tests'
 	@echo 'make check                   run all other checks: style, sanitizers, arm64, packaging, fuzzers'
-	@echo 'make bench                   measure what a lookup costs'
+	@echo 'make bench                   measure the cost of a lookup'
 	@echo 'make format                  format all C++ sources'
 	@echo 'make package                 write build/default/cadrova-VERSION-SYSTEM.tar.gz'
 	@echo 'make install PREFIX=/folder  install the library, the fakes and the command'

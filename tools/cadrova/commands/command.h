@@ -19,10 +19,9 @@ class Command {
   virtual int Run() = 0;
 };
 
-// The exit statuses of all commands except trace.
-constexpr int kSuccess = 0;
-constexpr int kNegative =
-    1;  // the item is missing, no key matches, devices change, data has errors
+// The exit statuses of all commands except trace. kNegative: the item is missing, no key matches,
+// a device changes, or the data has errors.
+constexpr int kSuccess = 0, kNegative = 1;
 
 struct CommandInfo {
   const char* name;
