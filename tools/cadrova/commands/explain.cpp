@@ -5,7 +5,6 @@
 #include "commands/command.h"
 #include "commands/shared_options.h"
 #include "common/text.h"
-#include "failure.h"
 #include "fleet/suggestions.h"
 #include "lookup/data_source.h"
 #include "lookup/explanation.h"

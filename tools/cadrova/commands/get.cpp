@@ -3,7 +3,6 @@
 #include "commands/command.h"
 #include "commands/shared_options.h"
 #include "common/text.h"
-#include "failure.h"
 #include "lookup/recording.h"
 #include "output/console.h"
 #include "output/json.h"
