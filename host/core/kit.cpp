@@ -1,6 +1,7 @@
 // The functions of the test kit, except those of the fake property store.
 
-#include <algorithm>
+#include <ranges>
+#include <set>
 #include <tuple>
 #include <utility>
 #include <variant>
@@ -13,9 +14,10 @@ namespace {
 
 // Sorts `list` by `id`. Of several elements with the same id, only the first remains.
 void SortUnique(auto& list, auto id) {
-  std::ranges::stable_sort(list, {}, id);
-  const auto rest = std::ranges::unique(list, {}, id);
-  list.erase(rest.begin(), rest.end());
+  const auto is_before = [&](const auto& one, const auto& other) { return id(one) < id(other); };
+  std::set<std::ranges::range_value_t<decltype(list)>, decltype(is_before)> sorted(is_before);
+  for (auto& element : list) sorted.insert(std::move(element));
+  list.assign(sorted.begin(), sorted.end());
 }
 
 }  // namespace
@@ -50,7 +52,7 @@ Contents List() {
   for (const Contents::Item& item : contents.items) {
     if (item.place == Place{}) contents.maps.push_back({item.map, {}});
   }
-  SortUnique(contents.maps, &Contents::Map::name);
+  SortUnique(contents.maps, [](const auto& map) { return std::tie(map.name); });
   SortUnique(contents.items, [](const auto& item) { return std::tie(item.map, item.key); });
   return contents;
 }

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <limits>
 #include <optional>
+#include <tuple>
 #include <utility>
 #include <variant>
 
@@ -81,7 +82,9 @@ class Reader {
 
   // The errors so far, in the order of the document.
   std::vector<Error> TakeErrors() {
-    std::ranges::stable_sort(errors_, IsBefore, &Error::place);
+    std::ranges::sort(errors_, {}, [](const Error& error) {
+      return std::tie(error.place.line, error.place.column, error.reason);
+    });
     return std::move(errors_);
   }
 

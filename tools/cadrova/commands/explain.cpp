@@ -53,9 +53,9 @@ std::vector<std::string> SimilarKeys(const host::Contents& contents,
   std::vector<std::string> keys(maps.size());
   std::ranges::transform(maps, keys.begin(), [](const auto& entry) { return entry.first; });
   auto suggestions = Suggest(key, keys);
-  std::ranges::stable_sort(suggestions, {}, [&](const Suggestion& suggestion) {
+  std::ranges::sort(suggestions, {}, [&](const Suggestion& suggestion) {
     return std::tuple(suggestion.has_other_words, suggestion.distance,
-                      maps[suggestion.name].begin()->first);
+                      maps[suggestion.name].begin()->first, suggestion.name);
   });
   std::vector<std::string> lines;
   for (const Suggestion& suggestion : suggestions) {

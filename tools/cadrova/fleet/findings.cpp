@@ -27,7 +27,8 @@ class Checker {
   Checker(const Contents& contents, const Fleet& fleet) : contents_(contents) {
     for (const Item& item : contents_.items) items_[item.key].push_back(&item);
     for (auto& [key, items] : items_) {
-      std::ranges::stable_sort(items, {}, [](const Item* item) { return item->place.line; });
+      std::ranges::sort(items, {},
+                        [](const Item* item) { return std::tie(item->place.line, item->map); });
     }
     for (const Family& family : Families()) {
       if (family.is_checked) chains_.emplace_back(family, fleet);
@@ -145,7 +146,7 @@ void Checker::CheckMaps() {
 
 void Checker::CheckMapsOfSimilarNames() {
   auto maps = contents_.maps;
-  std::ranges::stable_sort(maps, {}, [](const auto& map) { return map.place.line; });
+  std::ranges::sort(maps, {}, [](const auto& map) { return std::tie(map.place.line, map.name); });
   std::map<std::string, std::string> names;
   for (const auto& [map, place] : maps) {
     const auto [first, is_new] = names.try_emplace(SortedWords(map), map);

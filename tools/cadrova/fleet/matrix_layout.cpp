@@ -51,9 +51,11 @@ std::vector<MatrixTable> ToTables(std::vector<CellColumn> columns) {
   std::iota(order.begin(), order.end(), std::size_t{0});
   auto end_of_varying = order.end();
   if (order.size() > kMostColumns) {
-    end_of_varying = std::stable_partition(order.begin(), order.end(), [&](std::size_t i) {
+    end_of_varying = std::partition(order.begin(), order.end(), [&](std::size_t i) {
       return std::ranges::adjacent_find(columns[i], std::not_equal_to()) != columns[i].end();
     });
+    std::sort(order.begin(), end_of_varying);
+    std::sort(end_of_varying, order.end());
   }
   std::vector<MatrixTable> tables;
   for (auto next = order.begin(); next != order.end();) {

@@ -63,7 +63,8 @@ HtmlReport::HtmlReport(std::string source, const Fleet& fleet)
   // The longest chain comes first: it has the maps of all other chains, in their order.
   std::vector<std::vector<std::string>> chains;
   for (const Family& family : Families()) chains.push_back(MapTypeNames(family));
-  std::ranges::stable_sort(chains, std::greater(), &std::vector<std::string>::size);
+  std::ranges::iter_swap(chains.begin(),
+                         std::ranges::max_element(chains, {}, &std::vector<std::string>::size));
   for (const auto& names : chains) {
     for (const std::string& name : names) {
       if (std::ranges::find(map_types_, name, &MapType::name) == map_types_.end()) {

@@ -2,7 +2,6 @@
 
 #include <pthread.h>
 
-#include <algorithm>
 #include <functional>
 #include <vector>
 
@@ -38,7 +37,7 @@ void Summary::AddUnnamedCall() {
 
 void Summary::Write() {
   const std::lock_guard lock(mutex_);
-  std::vector<std::pair<long, Row>> rows;
+  std::multimap<long, Row, std::greater<>> rows;  // by number of lookups, then by key and kind
   long lookups = 0;
   for (auto& [key_and_kind, feature] : features_) {
     const auto& [key, kind] = key_and_kind;
@@ -47,13 +46,12 @@ void Summary::Write() {
     const std::string sources = Join(feature.lookups_by_source, ", ", [](const auto& source) {
       return source.first + ' ' + std::to_string(source.second);
     });
-    rows.push_back({feature.lookups,
-                    {std::to_string(feature.lookups), std::to_string(by_default), DisplayName(key),
-                     kind, sources, feature.last_value}});
+    rows.insert({feature.lookups,
+                 {std::to_string(feature.lookups), std::to_string(by_default), DisplayName(key),
+                  kind, sources, feature.last_value}});
     lookups += feature.lookups;
   }
   if (lookups + unnamed_calls_ == 0) return;
-  std::ranges::stable_sort(rows, std::greater(), &std::pair<long, Row>::first);
   std::vector<Row> table = {{"lookups", "default", "key", "kind", "from maps", "last value"}};
   for (auto& [count, row] : rows) table.push_back(std::move(row));
   std::string text = LineStart() + "lookups: " + std::to_string(lookups);
