@@ -345,7 +345,8 @@ TEST(Command, WorksWithClosedStandardStreams) {
                              " ./nowhere >&- 2>&-; echo $?";
   Expect(RunProgram({"sh", "-c", script, "", CADROVA_COMMAND}, {"CADROVA_HOST_DATA=" + kData}),
          "getRegionCustIntFeature exist with the region : -2147483648 \n"
-         "cadrova: can't write to standard output: Bad file descriptor\n2\n-2147483648\n0\n127\n",
+         "cadrova: can't write to standard output: " +
+             Reason(EBADF) + "2\n-2147483648\n0\n127\n",
          "");
   EXPECT_EQ(FileContents(file), "");
 }
@@ -389,27 +390,27 @@ TEST(Command, RefusesWithOneLineThatSaysWhy) {
       {"matrix", "cadrova: give FAMILY, KIND and KEY; or none of them, with --html\n"},
       {"matrix|region|int|--html|page", "cadrova: give FAMILY, KIND and KEY"},
       {"matrix|region|int|k|--json|--csv", "--json and --csv can't be combined\n"},
-      {"matrix|region|int|k|--html|/nowhere/page", "cadrova: --html /nowhere/page: No such file or directory\n"},
-      {"check|/nowhere", "/nowhere: can't be read: No such file or directory\n"},
-      {"diff|/nowhere|" + kData, "/nowhere: can't be read: No such file or directory\n"},
+      {"matrix|region|int|k|--html|/nowhere/page", "cadrova: --html /nowhere/page: " + Reason(ENOENT)},
+      {"check|/nowhere", "/nowhere: can't be read: " + Reason(ENOENT)},
+      {"diff|/nowhere|" + kData, "/nowhere: can't be read: " + Reason(ENOENT)},
       {"trace|--steps", "PROGRAM is required; see cadrova trace --help\n"},
       {"trace|--steps|--summary|--|true", "--steps and --summary can't be combined\n"},
-      {"trace|-o|/nowhere/x|true", "cadrova: -o /nowhere/x: No such file or directory\n"},
+      {"trace|-o|/nowhere/x|true", "cadrova: -o /nowhere/x: " + Reason(ENOENT)},
       {"get|default|string|k|\xE9|--json", "JSON can't contain text that is not UTF-8; use the command without --json\n"},
       {"get|sim|float|k", "the sim family has no float lookup; use carrier-region\n"},
       {"get|sim|string|k|x", "the sim family takes no default for a string; a missing one is empty\n"},
       {"get|sim|int|k|--sim|x", "--sim: 'x' is not KEY=VALUE\n"},
       {int_k + "|--data|", "cadrova: the name of the customization file is empty\n"},
-      {int_k + "|--data|a\nb", "a?b: can't be read: No such file or directory\n"},
-      {int_k + "|--data|/tmp", "/tmp: can't be read: Is a directory\n"},
-      {int_k + "|--data|/proc/self/mem", "/proc/self/mem: can't be read: Input/output error\n"},
+      {int_k + "|--data|a\nb", "a?b: can't be read: " + Reason(ENOENT)},
+      {int_k + "|--data|/tmp", "/tmp: can't be read: " + Reason(EISDIR)},
+      {int_k + "|--data|/proc/self/mem", "/proc/self/mem: can't be read: " + Reason(EIO)},
       {int_k + "|--data|" + huge, huge + ": can't be read: it is larger than 1 GiB\n"},
       {int_k + "|--data|" + bad, bad + ":2:5: a date"},
       {int_k + "|--data|" + not_utf8, not_utf8 + ":2:5: "},
-      {int_k + "|1", "cadrova: can't write to standard output: No space left on device\n", "A=", "/dev/full"},
+      {int_k + "|1", "cadrova: can't write to standard output: " + Reason(ENOSPC), "A=", "/dev/full"},
       {"--version", "can't write to standard output", "A=", "/dev/full"},
       {"get|--help", "can't write to standard output", "A=", "/dev/full"},
-      {region_k, "/tmp: can't be read: Is a directory; name another file with CADROVA_HOST_PROPS\n", store + "/tmp"},
+      {region_k, "/tmp: can't be read: " + Reason(EISDIR, "; name another file with CADROVA_HOST_PROPS\n"), store + "/tmp"},
       // clang-format on
   };
   const auto expect_refusal = [](const ProgramResult& result, const std::string& what) {

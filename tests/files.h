@@ -5,7 +5,9 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -41,6 +43,11 @@ inline void ExpectGolden(const std::string& text, const std::string& name) {
   EXPECT_EQ(text, FileContents(golden)) << "if it is right, set CADROVA_UPDATE_GOLDEN=1";
 }
 #endif
+
+// The text of an error number, which differs between C libraries, and the rest of the line.
+inline std::string Reason(int error, const std::string& rest = "\n") {
+  return std::strerror(error) + rest;
+}
 
 // What is written to a terminal while `action` runs, which gets its path.
 inline std::string ShownOnTerminal(const std::function<void(const std::string&)>& action) {

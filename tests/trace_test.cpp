@@ -139,8 +139,8 @@ TEST(Trace, DoesNotDisturbTheProgramIfItCannotWrite) {
   } cases[] = {
       // clang-format off
       {"has-threads", R"({ "$@"; echo $? >"$0"; } | true)", "/dev/stdout", ""},
-      {"has-threads", R"("$@"; echo $? >"$0")", "/dev/full", error + "/dev/full: No space left on device" + advice},
-      {"has-a-long-line", R"((ulimit -f 1200; "$@"); echo $? >"$0")", file, error + file + ": File too large" + advice},
+      {"has-threads", R"("$@"; echo $? >"$0")", "/dev/full", error + "/dev/full: " + Reason(ENOSPC, advice)},
+      {"has-a-long-line", R"((ulimit -f 1200; "$@"); echo $? >"$0")", file, error + file + ": " + Reason(EFBIG, advice)},
       // clang-format on
   };
   for (const auto& [what, script, to, err] : cases) {
@@ -157,9 +157,8 @@ TEST(Trace, DoesNotDisturbTheProgramIfItCannotWrite) {
 
 TEST(Trace, ReportsAProgramThatCannotRun) {
   const std::string text = TemporaryFile("not executable", ""), error = "cadrova: can't run '";
-  Expect(RunProgram(Traced({}, {"./nowhere"})), "",
-         error + "./nowhere': No such file or directory\n", 127);
-  Expect(RunProgram(Traced({}, {text})), "", error + text + "': Permission denied\n", 126);
+  Expect(RunProgram(Traced({}, {"./nowhere"})), "", error + "./nowhere': " + Reason(ENOENT), 127);
+  Expect(RunProgram(Traced({}, {text})), "", error + text + "': " + Reason(EACCES), 126);
 }
 
 }  // namespace
