@@ -1,5 +1,5 @@
 # The build tree has the folders of an installation. Programs and libraries find other files relative
-# to their own path, so they work in both.
+# to their own path, so they work in both. A multi-config generator has one tree per configuration.
 
 if(CADROVA_INSTALL)
   include(GNUInstallDirs)
@@ -16,12 +16,17 @@ foreach(kind BINDIR LIBDIR DATADIR INCLUDEDIR)
                         "relative paths")
   endif()
 endforeach()
-set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/${CMAKE_INSTALL_BINDIR})
-set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/${CMAKE_INSTALL_LIBDIR})
+set(CADROVA_BUILD_TREE ${PROJECT_BINARY_DIR})
+get_property(is_multi_config GLOBAL PROPERTY GENERATOR_IS_MULTI_CONFIG)
+if(is_multi_config)
+  string(APPEND CADROVA_BUILD_TREE /$<CONFIG>)
+endif()
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CADROVA_BUILD_TREE}/${CMAKE_INSTALL_BINDIR})
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CADROVA_BUILD_TREE}/${CMAKE_INSTALL_LIBDIR})
 
 # The build tree and the installation have the same run paths. The folders of libraries that are given
 # by path are added.
-file(RELATIVE_PATH to_libraries ${CMAKE_RUNTIME_OUTPUT_DIRECTORY} ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
+file(RELATIVE_PATH to_libraries /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
 set(CMAKE_INSTALL_RPATH $ORIGIN/${to_libraries})
 set(CMAKE_INSTALL_RPATH_USE_LINK_PATH ON)
 set(CMAKE_BUILD_WITH_INSTALL_RPATH ON)
