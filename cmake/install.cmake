@@ -33,8 +33,19 @@ elseif(CADROVA_BUILD_COMMAND)
   install(FILES tools/cadrova/share/_cadrova DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
 endif()
 
+# Why the packages have no test kit. find_package prints it.
 set(CADROVA_HAS_KIT OFF)
-if(TARGET cadrova_host AND CADROVA_INSTALL_HOST)
+if(CADROVA_CORE_LIBRARY)
+  set(CADROVA_NO_KIT
+    "CADROVA_CORE_LIBRARY named a real core, which replaces the fake core; build cadrova without it")
+elseif(NOT CADROVA_HAS_CORE)
+  set(CADROVA_NO_KIT "toml++ was missing; install libtomlplusplus-dev and build cadrova again")
+elseif(NOT TARGET cadrova_host)
+  set(CADROVA_NO_KIT
+    "CADROVA_BASE_LIBRARY named a real libbase, which replaces the fake property store; build cadrova without it")
+elseif(NOT CADROVA_INSTALL_HOST)
+  set(CADROVA_NO_KIT "CADROVA_INSTALL_HOST was OFF; set it to ON and build cadrova again")
+else()
   set(CADROVA_HAS_KIT ON)
 endif()
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/cadrova)
