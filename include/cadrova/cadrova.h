@@ -34,6 +34,20 @@
 #include <utility>
 #include <vector>
 
+// libstdc++ has other types with _GLIBCXX_DEBUG, and with _GLIBCXX_USE_CXX11_ABI=0. If the library
+// is built so, its CMake targets and packages define CADROVA_GLIBCXX_DEBUG or
+// CADROVA_GLIBCXX_USE_CXX11_ABI_0.
+#ifdef __GLIBCXX__
+#if defined(_GLIBCXX_DEBUG) != defined(CADROVA_GLIBCXX_DEBUG)
+#error _GLIBCXX_DEBUG is set for this file or for cadrova, but not for both; set it for \
+both or for neither, and get compiler flags from its CMake target or pkg-config
+#endif
+#if (_GLIBCXX_USE_CXX11_ABI == 0) != defined(CADROVA_GLIBCXX_USE_CXX11_ABI_0)
+#error _GLIBCXX_USE_CXX11_ABI=0 is set for this file or for cadrova, but not for both; set it for \
+both or for neither, and get compiler flags from its CMake target or pkg-config
+#endif
+#endif
+
 /// Marks a function that the library exports. It exports nothing else.
 #define CADROVA_EXPORT __attribute__((visibility("default")))
 

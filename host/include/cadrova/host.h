@@ -23,6 +23,7 @@
 #include <string>
 #include <vector>
 
+#include "cadrova/cadrova.h"  // rejects callers with other types of the standard library
 #include "cadrova/value.h"
 
 namespace cadrova::host {
