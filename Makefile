@@ -33,7 +33,7 @@ run: program
 	@scripts/demo build/$(PRESET)/bin
 
 test: build
-	@ctest --preset $(PRESET)
+	@ctest --preset $(PRESET) --parallel $(shell nproc)
 
 check:
 	@scripts/check

@@ -8,17 +8,6 @@ function(cadrova_skip part what package)
   message(STATUS "Skipping ${part}: ${what} not found; install ${package} or run scripts/setup")
 endfunction()
 
-foreach(library CADROVA_CORE_LIBRARY CADROVA_BASE_LIBRARY)
-  if(${library} AND (NOT EXISTS "${${library}}" OR IS_DIRECTORY "${${library}}"))
-    message(FATAL_ERROR "${library}: no library '${${library}}'")
-  endif()
-endforeach()
-if(CADROVA_BASE_LIBRARY AND NOT EXISTS "${CADROVA_BASE_INCLUDE_DIR}/android-base/properties.h")
-  message(FATAL_ERROR "CADROVA_BASE_INCLUDE_DIR: no android-base/properties.h in "
-                      "'${CADROVA_BASE_INCLUDE_DIR}'; set it to the include folder of the libbase "
-                      "that CADROVA_BASE_LIBRARY names")
-endif()
-
 set(CADROVA_HAS_CORE ON)
 if(NOT CADROVA_CORE_LIBRARY)
   find_path(CADROVA_TOMLPLUSPLUS_INCLUDE_DIR toml++/toml.h)
@@ -49,8 +38,8 @@ if(CADROVA_BUILD_TESTS)
   find_path(CADROVA_GOOGLETEST_SOURCE_DIR src/gtest-all.cc
     PATHS /usr/src/googletest/googletest NO_CMAKE_FIND_ROOT_PATH)
   mark_as_advanced(CADROVA_GOOGLETEST_SOURCE_DIR)
-  if(CADROVA_CORE_LIBRARY OR CADROVA_BASE_LIBRARY)
-    message(STATUS "Skipping the tests: they need the fake core and the fake property store")
+  if(CADROVA_CORE_LIBRARY)
+    message(STATUS "Skipping the tests: they need the fake core")
     set(CADROVA_BUILD_TESTS OFF)
   elseif(NOT CADROVA_HAS_CORE)
     message(STATUS "Skipping the tests: no core")

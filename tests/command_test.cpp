@@ -1,4 +1,5 @@
-// The cadrova command as its users run it.
+// The cadrova command as its users run it. `ctest` does not run the suite FakePropertyStore over a
+// real libbase.
 
 #include "commands/command.h"
 
@@ -88,7 +89,7 @@ TEST(Get, PrintsOnlyTheValue) {
   }
 }
 
-TEST(Get, UsesTheGivenCodesAndTheFileNamedFirst) {
+TEST(FakePropertyStore, GivesTheCodesThatAreNotOptions) {
   const std::string props =
       "# a device\n\nro.orvel.region=US\nro.orvel.region=EU\npersist.sys.cota.carrier=X=1\n";
   const std::string store = "CADROVA_HOST_PROPS=" + TemporaryFile("props", props);
@@ -103,6 +104,9 @@ TEST(Get, UsesTheGivenCodesAndTheFileNamedFirst) {
     Expect(Cadrova("get|carrier-region|float|float|--data|" + kData + options, store), out,
            "getCotaRegionCustFloatFeature" + line_end);
   }
+}
+
+TEST(Get, UsesTheSimDataOfTheOptionsAndTheFileNamedFirst) {
   Expect(Cadrova("get|--sim|k=1|--sim|k=x=y|--sim|l=|sim|string|k|--carrier|X1"), "x=y\n",
          "getSimCustStringFeature exist with the carrier : x=y \n");
   Expect(Cadrova("get|default|int|int|--data|" + TemporaryFile("one.toml", "DEFAULT.int = 1")),
@@ -351,13 +355,19 @@ TEST(Command, WorksWithClosedStandardStreams) {
   EXPECT_EQ(FileContents(file), "");
 }
 
+void ExpectRefusal(const ProgramResult& result, const std::string& what) {
+  const auto& [out, err, status] = result;
+  EXPECT_NE(err.find(what), std::string::npos) << err;
+  EXPECT_EQ(err.find('\n'), err.size() - 1) << err;
+  EXPECT_EQ(std::pair(out, status), std::pair(std::string(), 2)) << err;
+}
+
 TEST(Command, RefusesWithOneLineThatSaysWhy) {
   const std::string bad = TemporaryFile("bad.toml", "[DEFAULT]\nx = 2026-11-24\n");
   const std::string not_utf8 = TemporaryFile("latin.toml", "[DEFAULT]\nx = \"\xE9\"\n");
   const std::string huge = TemporaryFile("huge", "");
   std::filesystem::resize_file(huge, (1U << 30) + 1);
   const std::string int_k = "get|default|int|k", region_k = "get|region|int|k";
-  const std::string store = "CADROVA_HOST_PROPS=";
   const struct {
     std::string line, what, setting = "A=";
     const char* out_file = "";
@@ -410,24 +420,24 @@ TEST(Command, RefusesWithOneLineThatSaysWhy) {
       {int_k + "|1", "cadrova: can't write to standard output: " + Reason(ENOSPC), "A=", "/dev/full"},
       {"--version", "can't write to standard output", "A=", "/dev/full"},
       {"get|--help", "can't write to standard output", "A=", "/dev/full"},
-      {region_k, "/tmp: can't be read: " + Reason(EISDIR, "; name another file with CADROVA_HOST_PROPS\n"), store + "/tmp"},
       // clang-format on
   };
-  const auto expect_refusal = [](const ProgramResult& result, const std::string& what) {
-    const auto& [out, err, status] = result;
-    EXPECT_NE(err.find(what), std::string::npos) << err;
-    EXPECT_EQ(err.find('\n'), err.size() - 1) << err;
-    EXPECT_EQ(std::pair(out, status), std::pair(std::string(), 2)) << err;
-  };
   for (const auto& [line, what, setting, out_file] : cases) {
-    expect_refusal(Cadrova(line, setting, out_file), what);
+    ExpectRefusal(Cadrova(line, setting, out_file), what);
   }
+}
+
+TEST(FakePropertyStore, RefusesABadFileWithOneLineThatSaysWhy) {
+  const std::string region_k = "get|region|int|k", store = "CADROVA_HOST_PROPS=";
+  ExpectRefusal(
+      Cadrova(region_k, store + "/tmp"),
+      "/tmp: can't be read: " + Reason(EISDIR, "; name another file with CADROVA_HOST_PROPS\n"));
   for (const std::string line :
        {"no equals sign", "=b", "a b=c", "[a]: [b", "[a]=b", "[]: [b]", "a=b\rc=d", "a\x7F=b"}) {
     const std::string file = TemporaryFile("properties", "a=b\n" + line + "\n");
     const std::string quoted = std::regex_replace(line, std::regex("[\r\x7F]"), "?");
-    expect_refusal(Cadrova(region_k, store + file),
-                   file + ":2: not a key=value line: " + quoted + '\n');
+    ExpectRefusal(Cadrova(region_k, store + file),
+                  file + ":2: not a key=value line: " + quoted + '\n');
   }
 }
 

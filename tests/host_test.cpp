@@ -1,5 +1,5 @@
-// The fake core and the fake property store, through the interfaces that they implement and the
-// test kit.
+// The fake core and the property store, through the interfaces that they implement and the test
+// kit. `ctest` runs either the suite FakePropertyStore or the suite RealLibbase.
 
 #include "cadrova/host.h"
 
@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <array>
 #include <atomic>
 #include <limits>
 #include <set>
@@ -40,57 +39,80 @@ class FakeCore : public testing::Test {
   }
 };
 using FakePropertyStore = FakeCore;
+using RealLibbase = FakeCore;
 using Kit = FakeCore;
 
 std::string Repeated(const std::string& text, int times) {
   return times == 0 ? "" : text + Repeated(text, times - 1);
 }
 
-TEST_F(FakeCore, StopsAfterPendingOutputIfADefaultFileHasAnError) {
+void ExpectStopAfterPendingOutput(const char* variable, const std::string& file,
+                                  const std::string& error) {
+  const auto look_up = [&] {
+    dup2(STDERR_FILENO, STDOUT_FILENO);
+    std::printf("before ");
+    setenv(variable, file.c_str(), 1);
+    getRegionCustIntFeature("k", 0);
+  };
+  EXPECT_EXIT(look_up(), testing::ExitedWithCode(2), "^before " + file + error + '$');
+}
+
+const std::string kUnreadable = ": can't be read: " + Reason(ENOENT, "; name another file with ");
+
+TEST_F(FakeCore, StopsAfterPendingOutputIfTheDefaultFileHasAnError) {
   const std::string bad = TemporaryFile("bad", "x = 1\ny = 2\n");
-  const std::string missing =
-      "/nowhere: can't be read: " + Reason(ENOENT, "; name another file with ");
-  const std::array<std::string, 3> cases[] = {
-      // clang-format off
-      {"CADROVA_HOST_DATA", "/nowhere", missing + "CADROVA_HOST_DATA\n"},
-      {"CADROVA_HOST_PROPS", "/nowhere", missing + "CADROVA_HOST_PROPS\n"},
-      {"CADROVA_HOST_DATA", bad, bad + ":1:1: x is outside every map; put it below a .MAP. line\n"}};
-  // clang-format on
-  for (const auto& [variable, file, error] : cases) {
-    const auto look_up = [&] {
-      dup2(STDERR_FILENO, STDOUT_FILENO);
-      std::printf("before ");
-      setenv(variable.c_str(), file.c_str(), 1);
-      getRegionCustIntFeature("k", 0);
-    };
-    EXPECT_EXIT(look_up(), testing::ExitedWithCode(2), "^before " + error + '$');
-  }
+  ExpectStopAfterPendingOutput("CADROVA_HOST_DATA", "/nowhere",
+                               kUnreadable + "CADROVA_HOST_DATA\n");
+  ExpectStopAfterPendingOutput("CADROVA_HOST_DATA", bad,
+                               ":1:1: x is outside every map; put it below a .MAP. line\n");
+}
+
+TEST_F(FakePropertyStore, StopsAfterPendingOutputIfItsFileCannotBeRead) {
+  ExpectStopAfterPendingOutput("CADROVA_HOST_PROPS", "/nowhere",
+                               kUnreadable + "CADROVA_HOST_PROPS\n");
+}
+
+// A SIM item and the codes.
+std::string DeviceState() {
+  return getStringFromRust("SIM_X1", "string", "") + GetProperty("ro.orvel.region", "-") +
+         GetProperty("persist.sys.cota.carrier", "+");
 }
 
 TEST_F(Kit, ChangesAndClearsOnePartOfTheDeviceAtATime) {
-  const auto device = [] {
-    return getStringFromRust("SIM_X1", "string", "") + GetProperty("ro.orvel.region", "-") +
-           GetProperty("persist.sys.cota.carrier", "+");
-  };
-  const auto change = [] {
-    SetDevice("EU", "X1");
-    cxx_sim_set_the_cadrova("X1", "string", "y");
-  };
   EXPECT_EQ(LoadFile(TemporaryFile("x.toml", "SIM_X1.string = 'x'")), kNoErrors);
-  EXPECT_EQ(device(), "x-+");
-  change();
+  EXPECT_EQ(DeviceState(), "x-+");
+  SetDevice("EU", "X1");
+  cxx_sim_set_the_cadrova("X1", "string", "y");
   EXPECT_EQ(LoadText("SIM_X1.string = 'z'"), kNoErrors);
   EXPECT_NE(LoadText("SIM_X1 = {string = 'w', x = 2147483648}"), kNoErrors);
   EXPECT_NE(LoadFile("/nowhere"), kNoErrors);
-  EXPECT_EQ(device(), "yEUX1");
+  EXPECT_EQ(DeviceState(), "yEUX1");
   ClearSim();
+  EXPECT_EQ(DeviceState(), "zEUX1");
   SetDevice("", "X1");
-  EXPECT_EQ(device(), "z-X1");
-  ClearProperties();
-  EXPECT_EQ(device(), "z-+");
-  change();
+  EXPECT_EQ(DeviceState(), "z-X1");
+  cxx_sim_set_the_cadrova("X1", "string", "y");
   Reset();
-  EXPECT_EQ(device(), "a text of 24 characters.-+");
+  EXPECT_EQ(getStringFromRust("SIM_X1", "string", ""), "a text of 24 characters.");
+}
+
+TEST_F(FakePropertyStore, IsClearedAloneAndByReset) {
+  cxx_sim_set_the_cadrova("X1", "string", "y");
+  SetDevice("EU", "X1");
+  ClearProperties();
+  EXPECT_EQ(DeviceState(), "y-+");
+  SetDevice("EU", "X1");
+  Reset();
+  EXPECT_EQ(DeviceState(), "a text of 24 characters.-+");
+}
+
+TEST_F(RealLibbase, KeepsItsPropertiesAndReadsNoFile) {
+  setenv("CADROVA_HOST_PROPS", "/nowhere", 1);
+  EXPECT_EQ(GetProperty("ro.orvel.region", "-"), "-");
+  SetDevice("EU", "X1");
+  ClearProperties();
+  Reset();
+  EXPECT_EQ(DeviceState(), "a text of 24 characters.EUX1");
 }
 
 TEST_F(Kit, SetsItemsUntilTheNextLoadAndListsWhatLookupsFind) {
@@ -263,7 +285,7 @@ TEST_F(FakePropertyStore, StartsWithThePropertiesOfItsFile) {
 }
 
 // Values and lines are not mixed up while another thread sets SIM data and properties.
-TEST_F(FakeCore, SupportsLookupsInThreadsDuringChanges) {
+TEST_F(FakePropertyStore, SupportsLookupsInThreadsDuringChanges) {
   const std::string texts[] = {"short", std::string(100, 'l')};
   const auto is_whole = [&](const auto& text) { return text == texts[0] || text == texts[1]; };
   const auto change = [&](const std::string& text) {

@@ -19,7 +19,10 @@ namespace {
 
 const Words kSettings = {
     "CADROVA_HOST_DATA=" +
-    TemporaryFile("data.toml", "[DEFAULT]" + kItems + "ring = 5\n[\"\"]\nring = 6\n")};
+    TemporaryFile("data.toml",
+                  "''.ring = 6\nEU.ring = 7\nCOTA_X1.ring = 8\nCOTA_X1_EU.ring = 9\n"
+                  "SIM_X1.ring = 10\n[DEFAULT]\nring = 5" +
+                      kItems)};
 
 Words Traced(const Words& options, const Words& program) {
   return Words{CADROVA_COMMAND, "trace"} + options + Words{"--"} + program;
@@ -101,6 +104,25 @@ lookups  default  key   kind  from maps  last value
     EXPECT_EQ(alone.status, status);
   }
   EXPECT_EQ(FileContents(another), "");
+}
+
+TEST(Trace, ShowsTheCodesThatTheProgramSets) {
+  ProgramResult traced = RunProgram(Traced({}, {TRACED, "sets-the-device"}), kSettings);
+  traced.err = WithLetters(traced.err);
+  Expect(traced,
+         "getRegionCustIntFeature exist with the region : 7 \n"
+         "getCotaCustIntFeature exist with the carrier : 8 \n"
+         "getCotaRegionCustIntFeature exist with the carrier & region : 9 \n"
+         "getSimCustIntFeature exist with the carrier : 10 \n"
+         "getCotaRegionCustIntFeature exist with the carrier : 8 \n",
+         R"(A getCustIntFeature("ring", 1) = 5 from DEFAULT; asked DEFAULT
+A getRegionCustIntFeature("ring", 1) = 7 from EU; asked EU
+A getCotaCustIntFeature("ring", 1) = 8 from COTA_X1; asked COTA_X1
+A getCotaRegionCustIntFeature("ring", 1) = 9 from COTA_X1_EU; asked COTA_X1_EU
+A getSimCustIntFeature("ring", 1) = 10 from SIM_X1; asked SIM_X1
+A getCotaRegionCustIntFeature("ring", 1) = 8 from COTA_X1; asked COTA_X1_, COTA_X1
+)",
+         3);
 }
 
 TEST(Trace, WritesEachLineOfEachThreadInOnePiece) {

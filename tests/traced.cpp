@@ -32,6 +32,16 @@ int main(int, char** argv) {
     android::base::GetProperty("unrelated", "");
     android::getSimCustIntFeature("ring", 1);
     android::setSimCadrova("k", "v");
+  } else if (what == "sets-the-device") {
+    android::base::SetProperty("ro.orvel.region", "EU");
+    android::base::SetProperty("persist.sys.cota.carrier", "X1");
+    getCustIntFeature("ring", 1);
+    android::getRegionCustIntFeature("ring", 1);
+    android::getCotaCustIntFeature("ring", 1);
+    android::getCotaRegionCustIntFeature("ring", 1);
+    android::getSimCustIntFeature("ring", 1);
+    android::base::SetProperty("ro.orvel.region", "");
+    android::getCotaRegionCustIntFeature("ring", 1);
   } else if (what == "has-threads") {
     const auto look_up = [] {
       for (int call = 0; call < 2000; ++call) getCustIntFeature("ring", call);

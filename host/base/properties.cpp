@@ -122,11 +122,6 @@ bool SetProperty(const std::string& key, const std::string& value) {
 
 }  // namespace android::base
 
-void cadrova::host::SetDevice(const std::string& region, const std::string& carrier) {
-  android::base::SetProperty("ro.orvel.region", region);
-  android::base::SetProperty("persist.sys.cota.carrier", carrier);
-}
-
 void cadrova::host::ClearProperties() { android::base::PropertyStore::Instance().Clear(); }
 
 #pragma GCC visibility pop

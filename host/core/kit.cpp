@@ -1,4 +1,6 @@
-// The functions of the test kit, except those of the fake property store.
+// The functions of the test kit, except `ClearProperties`.
+
+#include <android-base/properties.h>
 
 #include <ranges>
 #include <set>
@@ -21,9 +23,6 @@ void SortUnique(auto& list, auto id) {
 }
 
 }  // namespace
-
-// Weak, because a real libbase does not define it.
-[[gnu::weak]] void ClearProperties();
 
 // Everything else in this library is hidden.
 #pragma GCC visibility push(default)
@@ -57,12 +56,17 @@ Contents List() {
   return contents;
 }
 
+void SetDevice(const std::string& region, const std::string& carrier) {
+  android::base::SetProperty("ro.orvel.region", region);
+  android::base::SetProperty("persist.sys.cota.carrier", carrier);
+}
+
 void ClearSim() { CoreState::Instance().ClearSim(); }
 
 void Reset() {
   CoreState::Instance().Unload();
   ClearSim();
-  if (ClearProperties != nullptr) ClearProperties();
+  ClearProperties();
 }
 
 #pragma GCC visibility pop

@@ -1,5 +1,5 @@
-/// The test kit: sets the data of the fake parser core and the codes in the fake property store. A
-/// test can switch to another device at any time.
+/// The test kit: sets the data of the fake parser core and the codes in the property store. A test
+/// can switch to another device at any time.
 ///
 ///   cadrova::host::Reset();
 ///   ASSERT_TRUE(cadrova::host::LoadText("[COTA_X1]\nring.seconds = 25\n").empty());
@@ -16,6 +16,14 @@
 /// Thread safety: call `LoadFile`, `LoadText`, `Set` and `Reset` only while no other thread makes a
 /// lookup or calls a function of the test kit. All other functions may run at the same time as
 /// lookups, and as each other.
+///
+/// If cadrova is built over a real libbase, instead of the fake property store:
+/// - `ClearProperties` does nothing, and `Reset` does not change properties. Each test can call
+///   `SetDevice` first.
+/// - CADROVA_HOST_PROPS has no effect.
+/// - Debian's libbase does not lock its properties. Call `SetDevice` and
+///   `android::base::SetProperty` only while no other thread makes a lookup or calls a function of
+///   the test kit.
 #pragma once
 
 #include <iosfwd>
@@ -110,11 +118,12 @@ void ClearSim();
 void SetDevice(const std::string& region, const std::string& carrier);
 
 /// Discards all system properties that were set. At the next call the property store reads its file
-/// again, if CADROVA_HOST_PROPS names one.
+/// again, if CADROVA_HOST_PROPS names one. Over a real libbase, this does nothing.
 void ClearProperties();
 
 /// Restores the state at the start of the process: no SIM data, no property set, no data loaded.
-/// The default file is loaded again at the next call that needs data.
+/// The default file is loaded again at the next call that needs data. Over a real libbase,
+/// properties do not change.
 void Reset();
 
 }  // namespace cadrova::host
