@@ -113,7 +113,7 @@ link_for_device other
 refused "does not contain __on_dlclose, which start files bring"
 link -lc -lm -ldl
 refused "has 0 relocations other than those of its imports, instead of 3"
-# Start files are no excuse for a library that CMake links, as it links none.
+# Without start files, which CMake does not link, the mark depends on our own object files only.
 compile unmarked -x c <<<'__attribute__((used, retain)) static void Use(void) {}'
 link -lglibc "$work/unmarked.o"
 refused "is not marked for branch protection"
