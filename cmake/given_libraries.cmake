@@ -1,22 +1,12 @@
-# Checks the libraries that are given by path, instead of the fakes, before anything is built.
-
-foreach(library CADROVA_CORE_LIBRARY CADROVA_BASE_LIBRARY)
-  if(${library} AND (NOT EXISTS "${${library}}" OR IS_DIRECTORY "${${library}}"))
-    message(FATAL_ERROR "${library}: no library '${${library}}'")
-  endif()
-endforeach()
-if(CADROVA_BASE_LIBRARY AND NOT EXISTS "${CADROVA_BASE_INCLUDE_DIR}/android-base/properties.h")
-  message(FATAL_ERROR "CADROVA_BASE_INCLUDE_DIR: no android-base/properties.h in "
-                      "'${CADROVA_BASE_INCLUDE_DIR}'; set it to the include folder of the libbase "
-                      "that CADROVA_BASE_LIBRARY names")
-endif()
+# Imports the libraries that are given by path, instead of the fakes, and checks them before anything
+# is built. They are linked by file name, because they may have no SONAME.
 
 set(cadrova_compiles_for "${CMAKE_CXX_COMPILER} compiles for ${CADROVA_STANDARD_LIBRARY}")
 if(CADROVA_STANDARD_LIBRARY_FLAG)
   string(APPEND cadrova_compiles_for " (${CADROVA_STANDARD_LIBRARY_FLAG})")
 endif()
 
-# Stops if what the library that `variable` names needs is of the other standard library only.
+# Stops if the library at the path in `variable` needs the other standard library, and not this one.
 function(cadrova_reject_other_standard_library variable)
   if(NOT CMAKE_READELF)
     return()
@@ -35,24 +25,48 @@ function(cadrova_reject_other_standard_library variable)
   endif()
 endfunction()
 
-# The core's functions are C functions, so a core for another standard library links too.
-if(CADROVA_CORE_LIBRARY)
-  cadrova_reject_other_standard_library(CADROVA_CORE_LIBRARY)
-endif()
-
-# The name of GetProperty contains the standard library. What libbase itself needs does not matter.
-if(CADROVA_BASE_LIBRARY)
-  try_compile(links
-    SOURCE_FROM_CONTENT get_property.cpp "#include <string>
-      namespace android::base { std::string GetProperty(const std::string&, const std::string&); }
-      int main() { android::base::GetProperty({}, {}); }"
-    LINK_OPTIONS ${CADROVA_STANDARD_LIBRARY_FLAG} -Wl,--allow-shlib-undefined
-    COMPILE_DEFINITIONS ${CADROVA_STANDARD_LIBRARY_FLAG}
-    LINK_LIBRARIES ${CADROVA_BASE_LIBRARY} CXX_STANDARD 17 CXX_STANDARD_REQUIRED ON NO_CACHE)
-  if(NOT links)
-    cadrova_reject_other_standard_library(CADROVA_BASE_LIBRARY)
-    message(FATAL_ERROR "CADROVA_BASE_LIBRARY: android::base::GetProperty of "
-                        "'${CADROVA_BASE_LIBRARY}' does not link, and ${cadrova_compiles_for}; set it "
-                        "to a libbase for this standard library and processor")
+# Defines `target` for the library at the path in `variable`, which replaces the fake with the file name
+# `fake`. `program` must link with it.
+function(cadrova_import_given target variable fake program)
+  cmake_path(ABSOLUTE_PATH ${variable} BASE_DIRECTORY ${CMAKE_SOURCE_DIR})
+  set(${variable} ${${variable}} PARENT_SCOPE)
+  if(NOT EXISTS "${${variable}}" OR IS_DIRECTORY "${${variable}}")
+    message(FATAL_ERROR "${variable}: no library '${${variable}}'")
   endif()
+  cadrova_reject_other_standard_library(${variable})
+  add_library(${target} SHARED IMPORTED GLOBAL)
+  set_target_properties(${target} PROPERTIES
+    IMPORTED_LOCATION ${${variable}} IMPORTED_NO_SONAME ON)
+  try_compile(links
+    SOURCE_FROM_CONTENT program.cpp "#include <string>
+      namespace android::base { std::string GetProperty(const std::string&, const std::string&); }
+      int main() { ${program} }"
+    COMPILE_DEFINITIONS ${CADROVA_STANDARD_LIBRARY_FLAG}
+    LINK_OPTIONS ${CADROVA_STANDARD_LIBRARY_FLAG} -Wl,--allow-shlib-undefined
+    LINK_LIBRARIES ${target} CXX_STANDARD 17 CXX_STANDARD_REQUIRED ON NO_CACHE OUTPUT_VARIABLE output)
+  if(NOT links)
+    string(REGEX MATCH "[^\n]*( find | undefined |ncompatible|not recognized| error: )[^\n]*" reason "${output}")
+    message(FATAL_ERROR "${variable}: '${${variable}}' can't be linked; ${cadrova_compiles_for}, and "
+                        "the linker says: ${reason}")
+  endif()
+  # After a build with the fake, it would be loaded instead.
+  string(REPLACE $<CONFIG> * folders "${CMAKE_LIBRARY_OUTPUT_DIRECTORY}")
+  file(GLOB fakes "${folders}/${fake}")
+  list(REMOVE_ITEM fakes "${${variable}}")
+  if(fakes)
+    file(REMOVE ${fakes})
+  endif()
+endfunction()
+
+if(CADROVA_CORE_LIBRARY)
+  cadrova_import_given(cadrova_ffi CADROVA_CORE_LIBRARY libcadrova_ffi.so "")
+endif()
+if(CADROVA_BASE_LIBRARY)
+  if(NOT EXISTS "${CADROVA_BASE_INCLUDE_DIR}/android-base/properties.h")
+    message(FATAL_ERROR "CADROVA_BASE_INCLUDE_DIR: no android-base/properties.h in "
+                        "'${CADROVA_BASE_INCLUDE_DIR}'; set it to the include folder of the libbase "
+                        "that CADROVA_BASE_LIBRARY names")
+  endif()
+  cadrova_import_given(cadrova_base CADROVA_BASE_LIBRARY libbase.so "android::base::GetProperty({}, {});")
+  target_include_directories(cadrova_base INTERFACE ${CADROVA_BASE_INCLUDE_DIR})
 endif()

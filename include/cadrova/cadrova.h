@@ -39,12 +39,12 @@
 // CADROVA_GLIBCXX_USE_CXX11_ABI_0.
 #ifdef __GLIBCXX__
 #if defined(_GLIBCXX_DEBUG) != defined(CADROVA_GLIBCXX_DEBUG)
-#error _GLIBCXX_DEBUG is set for this file or for cadrova, but not for both; set it for \
-both or for neither, and get compiler flags from its CMake target or pkg-config
+#error _GLIBCXX_DEBUG must be set for this file and for the build of cadrova, or for neither; \
+the CMake targets and pkg-config packages of cadrova say how it is built
 #endif
 #if (_GLIBCXX_USE_CXX11_ABI == 0) != defined(CADROVA_GLIBCXX_USE_CXX11_ABI_0)
-#error _GLIBCXX_USE_CXX11_ABI=0 is set for this file or for cadrova, but not for both; set it for \
-both or for neither, and get compiler flags from its CMake target or pkg-config
+#error _GLIBCXX_USE_CXX11_ABI=0 must be set for this file and for the build of cadrova, or for \
+neither; the CMake targets and pkg-config packages of cadrova say how it is built
 #endif
 #endif
 

@@ -18,8 +18,8 @@
 /// lookups, and as each other.
 ///
 /// If cadrova is built over a real libbase, instead of the fake property store:
-/// - `ClearProperties` does nothing, and `Reset` does not change properties. Each test can call
-///   `SetDevice` first.
+/// - `ClearProperties` does nothing, and `Reset` does not change properties. A test that depends on
+///   the codes must set them with `SetDevice`.
 /// - CADROVA_HOST_PROPS has no effect.
 /// - Debian's libbase does not lock its properties. Call `SetDevice` and
 ///   `android::base::SetProperty` only while no other thread makes a lookup or calls a function of
