@@ -28,7 +28,7 @@ endfunction()
 # Defines `target` for the library at the path in `variable`, which replaces the fake with the file name
 # `fake`. `program` must link with it.
 function(cadrova_import_given target variable fake program)
-  cmake_path(ABSOLUTE_PATH ${variable} BASE_DIRECTORY ${CMAKE_SOURCE_DIR})
+  cmake_path(ABSOLUTE_PATH ${variable} BASE_DIRECTORY ${CMAKE_SOURCE_DIR} NORMALIZE)
   set(${variable} ${${variable}} PARENT_SCOPE)
   if(NOT EXISTS "${${variable}}" OR IS_DIRECTORY "${${variable}}")
     message(FATAL_ERROR "${variable}: no library '${${variable}}'")
