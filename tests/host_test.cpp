@@ -91,14 +91,11 @@ TEST_F(Kit, ChangesAndClearsOnePartOfTheDeviceAtATime) {
   EXPECT_EQ(DeviceState(), "zEUX1");
   SetDevice("", "X1");
   EXPECT_EQ(DeviceState(), "z-X1");
-  cxx_sim_set_the_cadrova("X1", "string", "y");
-  Reset();
-  EXPECT_EQ(getStringFromRust("SIM_X1", "string", ""), "a text of 24 characters.");
 }
 
 TEST_F(FakePropertyStore, IsClearedAloneAndByReset) {
-  cxx_sim_set_the_cadrova("X1", "string", "y");
   SetDevice("EU", "X1");
+  cxx_sim_set_the_cadrova("X1", "string", "y");
   ClearProperties();
   EXPECT_EQ(DeviceState(), "y-+");
   SetDevice("EU", "X1");
@@ -110,7 +107,9 @@ TEST_F(RealLibbase, KeepsItsPropertiesAndReadsNoFile) {
   setenv("CADROVA_HOST_PROPS", "/nowhere", 1);
   EXPECT_EQ(GetProperty("ro.orvel.region", "-"), "-");
   SetDevice("EU", "X1");
+  cxx_sim_set_the_cadrova("X1", "string", "y");
   ClearProperties();
+  EXPECT_EQ(DeviceState(), "yEUX1");
   Reset();
   EXPECT_EQ(DeviceState(), "a text of 24 characters.EUX1");
 }

@@ -1,0 +1,30 @@
+# libstdc++ has other types with each of these settings. If this folder is compiled with one, callers
+# get a macro such as CADROVA_GLIBCXX_DEBUG, and cadrova.h rejects callers with another setting.
+get_directory_property(settings COMPILE_DEFINITIONS)
+get_directory_property(options COMPILE_OPTIONS)
+set(settings "${settings};${options};${CMAKE_CXX_FLAGS}")
+if(is_multi_config)
+  foreach(config IN LISTS CMAKE_CONFIGURATION_TYPES)
+    string(TOUPPER ${config} CONFIG)
+    string(APPEND settings ";$<$<CONFIG:${config}>:${CMAKE_CXX_FLAGS_${CONFIG}}>")
+  endforeach()
+else()
+  string(TOUPPER "${CMAKE_BUILD_TYPE}" CONFIG)
+  string(APPEND settings ";${CMAKE_CXX_FLAGS_${CONFIG}}")
+endif()
+string(REPLACE " " ";" settings "${settings}")
+set_target_properties(cadrova_standard_library PROPERTIES CADROVA_SETTINGS "${settings}")
+set(evaluated "$<GENEX_EVAL:$<TARGET_PROPERTY:cadrova_standard_library,CADROVA_SETTINGS>>")
+string(GENEX_STRIP "${settings}" unconditional)
+set(CADROVA_SETTING_FLAGS)  # for packages
+foreach(setting _GLIBCXX_DEBUG _GLIBCXX_USE_CXX11_ABI=0)
+  string(MAKE_C_IDENTIFIER CADROVA${setting} macro)
+  target_compile_definitions(cadrova_standard_library INTERFACE
+    "$<$<BOOL:$<FILTER:${evaluated},INCLUDE,^(-D)?${setting}(=|$)>>:${macro}>")
+  if(unconditional MATCHES "(^|;)(-D)?${setting}(=|;|$)")
+    string(APPEND CADROVA_SETTING_FLAGS " -D${macro}")
+  elseif(CADROVA_INSTALL AND settings MATCHES "[:;](-D)?${setting}[=;>]")
+    message(FATAL_ERROR "${setting} is set for some configurations or languages only, which cadrova's "
+                        "packages can't describe; set it in CMAKE_CXX_FLAGS, or set CADROVA_INSTALL=OFF")
+  endif()
+endforeach()
