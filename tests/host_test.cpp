@@ -5,6 +5,7 @@
 
 #include <android-base/properties.h>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -46,30 +47,21 @@ std::string Repeated(const std::string& text, int times) {
   return times == 0 ? "" : text + Repeated(text, times - 1);
 }
 
-void ExpectStopAfterPendingOutput(const char* variable, const std::string& file,
-                                  const std::string& error) {
-  const auto look_up = [&] {
-    dup2(STDERR_FILENO, STDOUT_FILENO);
-    std::printf("before ");
-    setenv(variable, file.c_str(), 1);
-    getRegionCustIntFeature("k", 0);
-  };
-  EXPECT_EXIT(look_up(), testing::ExitedWithCode(2), "^before " + file + error + '$');
-}
-
-const std::string kUnreadable = ": can't be read: " + Reason(ENOENT, "; name another file with ");
-
 TEST_F(FakeCore, StopsAfterPendingOutputIfTheDefaultFileHasAnError) {
-  const std::string bad = TemporaryFile("bad", "x = 1\ny = 2\n");
-  ExpectStopAfterPendingOutput("CADROVA_HOST_DATA", "/nowhere",
-                               kUnreadable + "CADROVA_HOST_DATA\n");
-  ExpectStopAfterPendingOutput("CADROVA_HOST_DATA", bad,
-                               ":1:1: x is outside every map; put it below a .MAP. line\n");
-}
-
-TEST_F(FakePropertyStore, StopsAfterPendingOutputIfItsFileCannotBeRead) {
-  ExpectStopAfterPendingOutput("CADROVA_HOST_PROPS", "/nowhere",
-                               kUnreadable + "CADROVA_HOST_PROPS\n");
+  const std::pair<std::string, std::string> cases[] = {
+      {"/nowhere",
+       ": can't be read: " + Reason(ENOENT, "; name another file with CADROVA_HOST_DATA")},
+      {TemporaryFile("bad", "x = 1\ny = 2\n"),
+       ":1:1: x is outside every map; put it below a .MAP. line"}};
+  for (const auto& [file, error] : cases) {
+    const auto look_up = [&] {
+      dup2(STDERR_FILENO, STDOUT_FILENO);
+      std::printf("before ");
+      setenv("CADROVA_HOST_DATA", file.c_str(), 1);
+      getRegionCustIntFeature("k", 0);
+    };
+    EXPECT_EXIT(look_up(), testing::ExitedWithCode(2), "^before " + file + error + "\n$");
+  }
 }
 
 // A SIM item and the codes.
@@ -314,6 +306,31 @@ TEST_F(FakePropertyStore, SupportsLookupsInThreadsDuringChanges) {
   EXPECT_EQ(printed.size(), 3 * 500 * 3U) << "lines are missing";
   // One per lookup, and one more for the second string.
   EXPECT_LE(std::set(printed.begin(), printed.end()).size(), 3 + 1U) << "torn lines";
+}
+
+// A child does not have the other threads, which may hold locks of the fakes when it is forked.
+TEST_F(FakePropertyStore, WorksInAChildOfAProgramWithThreads) {
+  std::atomic<bool> done = false;
+  std::thread threads[6];
+  for (std::thread& thread : threads) {
+    thread = std::thread([&] {
+      while (!done) DeviceState();
+    });
+  }
+  int status = 0;
+  for (int forks = 0; forks < 50 && status == 0; ++forks) {
+    const pid_t child = fork();
+    if (child == 0) {
+      alarm(10);
+      SetDevice("EU", "X1");
+      cxx_sim_set_the_cadrova("X1", "string", "y");
+      _exit(DeviceState() == "yEUX1" ? 0 : 1);
+    }
+    if (waitpid(child, &status, 0) <= 0) status = -1;
+  }
+  done = true;
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(status, 0) << "a signal, or 256 for a wrong value";
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include "android-base/properties.h"
 
+#include <pthread.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <map>
@@ -75,8 +77,8 @@ Properties Load(const char* file) {
   return properties;
 }
 
-// All properties, loaded at the first call. Never destroyed: threads may still make lookups while
-// the process exits.
+// All properties, loaded from the file at the first call. Never destroyed: threads may still make
+// lookups while the process exits.
 class PropertyStore {
  public:
   static PropertyStore& Instance() {
@@ -97,9 +99,21 @@ class PropertyStore {
   }
 
  private:
+  // A child of `fork` has only the thread that forks. If another thread held the lock, nothing
+  // would release it in the child, and the properties could be half changed. So forks take the
+  // lock.
+  PropertyStore() {
+    pthread_atfork([] { Instance().mutex_.lock(); }, [] { Instance().mutex_.unlock(); },
+                   [] { Instance().mutex_.unlock(); });
+  }
+
   std::mutex mutex_;
   std::optional<Properties> properties_;
 };
+
+// A fork during the first call could leave the static object of `Instance` half made in the child.
+// Handlers for `fork` that the program adds later run while the lock is free.
+[[gnu::constructor]] void MakePropertyStore() { PropertyStore::Instance(); }
 
 }  // namespace
 

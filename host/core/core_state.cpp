@@ -1,6 +1,7 @@
 #include "core_state.h"
 
 #include <dlfcn.h>
+#include <pthread.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -24,7 +25,16 @@ std::string DefaultPath() {
   return path != nullptr && *path != '\0' ? path : SamplePath();
 }
 
+// At load, for the reasons that the fake property store has.
+[[gnu::constructor]] void MakeCoreState() { CoreState::Instance(); }
+
 }  // namespace
+
+// Forks take the lock, so that a child does not inherit it from a thread that it does not have.
+CoreState::CoreState() {
+  pthread_atfork([] { Instance().mutex_.lock(); }, [] { Instance().mutex_.unlock(); },
+                 [] { Instance().mutex_.unlock(); });
+}
 
 std::vector<Error> CoreState::LoadFile(const std::string& path) {
   auto file = std::make_unique<File>(path);
@@ -46,7 +56,7 @@ void CoreState::SetItem(const std::string& map, const std::string& key, StoredVa
 }
 
 const CoreState::File& CoreState::LoadDefault() {
-  const std::unique_lock lock(mutex_);
+  const std::lock_guard lock(mutex_);
   if (owned_ == nullptr) {
     std::vector<Error> errors = LoadFile(DefaultPath());
     if (!errors.empty()) {

@@ -4,7 +4,6 @@
 #include <atomic>
 #include <memory>
 #include <mutex>
-#include <shared_mutex>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -37,7 +36,7 @@ class CoreState {
   template <class Type>
   auto Visit(const std::string& map, const std::string& key, auto visitor) {
     if (IsSim(map)) {
-      const std::shared_lock lock(mutex_);
+      const std::lock_guard lock(mutex_);
       if (const Store::Item* item = sim_.Find(map, key)) return visitor(As<Type>(item->value));
     }
     const Store::Item* item = GetFile().store.Find(map, key);
@@ -57,24 +56,26 @@ class CoreState {
   void Unload() { Use(nullptr); }
 
   void SetSimItem(const std::string& map, const std::string& key, StoredValue value) {
-    const std::unique_lock lock(mutex_);
+    const std::lock_guard lock(mutex_);
     sim_.Set(map, key, std::move(value));
   }
   void ClearSim() {
-    const std::unique_lock lock(mutex_);
+    const std::lock_guard lock(mutex_);
     sim_ = Store();
   }
   void AppendSimTo(Contents& contents) {
-    const std::shared_lock lock(mutex_);
+    const std::lock_guard lock(mutex_);
     sim_.AppendTo(contents);
   }
 
  private:
-  CoreState() = default;
+  CoreState();
   const File& LoadDefault();
   void Use(std::unique_ptr<File> file);
 
-  std::shared_mutex mutex_;  // Guards `sim_`, and `LoadDefault` against itself.
+  // Guards `sim_`, and `LoadDefault` against itself. Not a shared_mutex: with libstdc++, a child of
+  // `fork` can't unlock one that its parent has locked.
+  std::mutex mutex_;
   Store sim_;
   std::unique_ptr<File> owned_;
   std::atomic<const File*> file_ = nullptr;  // The same pointer as `owned_`, for lookups.

@@ -5,6 +5,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <type_traits>
 #include <unordered_map>
 #include <utility>
@@ -29,14 +30,16 @@ struct WithEmptyList<std::variant<Types...>> {
 // A value in the store. Its alternatives are those of `Value`, in the same order, and EmptyList.
 using StoredValue = WithEmptyList<Value>::Type;
 
+// Made when the library is loaded, because a fork could leave a static object of a function half
+// made in the child. Never destroyed: threads may still make lookups while the process exits.
+inline const auto& kEmptyLists = *new std::tuple<StringArray, IntArray, MapArray>;
+
 // The content of `value` if its kind is that of `Type`, or else NULL.
 template <class Type>
 const Type* As(const StoredValue& value) {
   if constexpr (std::is_same_v<Type, StringArray> || std::is_same_v<Type, IntArray> ||
                 std::is_same_v<Type, MapArray>) {
-    // Never destroyed: threads may still make lookups while the process exits.
-    static const Type* const empty = new Type;
-    if (std::holds_alternative<EmptyList>(value)) return empty;
+    if (std::holds_alternative<EmptyList>(value)) return &std::get<Type>(kEmptyLists);
   }
   return std::get_if<Type>(&value);
 }

@@ -14,8 +14,9 @@
 /// error says why. `LoadFile` and `LoadText` return errors instead, and do not change the data.
 ///
 /// Thread safety: call `LoadFile`, `LoadText`, `Set` and `Reset` only while no other thread makes a
-/// lookup or calls a function of the test kit. All other functions may run at the same time as
-/// lookups, and as each other.
+/// lookup, forks or calls a function of the test kit. All other functions may run at the same time
+/// as lookups, and as each other. A child of `fork` may make lookups and call all functions, even
+/// if the process had several threads.
 ///
 /// If cadrova is built over a real libbase, instead of the fake property store:
 /// - `ClearProperties` does nothing, and `Reset` does not change properties. A test that depends on
