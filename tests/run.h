@@ -24,17 +24,17 @@ struct ProgramResult {
   int status;  // the exit status, or 128 + the signal that ended the program
 };
 
-// Runs `words` with the environment variables `settings`, each NAME=value. If `out` or `err` names
-// a file, that output goes there and is "" in the result.
+// Runs `words` with the environment variables `settings`, each NAME=value. If `out` names a file,
+// standard output goes there and is "" in the result.
 inline ProgramResult RunProgram(const Words& words, const Words& settings = {},
-                                std::string out = "", std::string err = "") {
+                                std::string out = "") {
   Words all = Words{"env", "-u", "CADROVA_HOST_PROPS"} + settings + words;
   std::vector<char*> arguments;
   for (std::string& word : all) arguments.push_back(word.data());
   arguments.push_back(nullptr);
-  const bool reads_out = out.empty(), reads_err = err.empty();
+  const std::string err = TemporaryFile("err", "");
+  const bool reads_out = out.empty();
   if (reads_out) out = TemporaryFile("out", "");
-  if (reads_err) err = TemporaryFile("err", "");
   const pid_t child = fork();
   if (child == 0) {
     const bool redirected = dup2(open(out.c_str(), O_WRONLY | O_APPEND), STDOUT_FILENO) >= 0 &&
@@ -44,7 +44,7 @@ inline ProgramResult RunProgram(const Words& words, const Words& settings = {},
   }
   int status = -1;
   EXPECT_EQ(waitpid(child, &status, 0), child);
-  return {reads_out ? FileContents(out) : "", reads_err ? FileContents(err) : "",
+  return {reads_out ? FileContents(out) : "", FileContents(err),
           WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status)};
 }
 
