@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <cstdint>
 #include <iterator>
 #include <string>
@@ -33,52 +34,79 @@ constexpr bool IsControl(char byte) {
   return static_cast<unsigned char>(byte) < ' ' || byte == 0x7F;
 }
 
-inline void AppendJson(std::string& text, std::string_view string) {
-  constexpr char kDigits[] = "0123456789abcdef";
-  const auto needs_escape = [](char byte) {
-    return byte == '"' || byte == '\\' || IsControl(byte);
-  };
-  text += '"';
-  auto rest = string.begin();
-  while (true) {
-    const auto special = std::find_if(rest, string.end(), needs_escape);
-    text.append(rest, special);
-    if (special == string.end()) break;
-    text += '\\';
-    if (IsControl(*special)) {
-      text += {'u', '0', '0', kDigits[*special >> 4], kDigits[*special & 15]};
-    } else {
-      text += *special;
-    }
-    rest = special + 1;
+// A set of bytes, as a table: a trace looks at each byte of a text.
+class ByteSet {
+ public:
+  consteval explicit ByteSet(auto contains) {
+    for (int byte = 0; byte < 256; ++byte) is_in_[byte] = contains(static_cast<char>(byte));
   }
+  // The size of the beginning of `text` that has no byte of the set.
+  std::size_t Find(std::string_view text) const {
+    std::size_t size = 0;
+    while (size < text.size() && !is_in_[static_cast<unsigned char>(text[size])]) ++size;
+    return size;
+  }
+
+ private:
+  bool is_in_[256] = {};
+};
+constexpr ByteSet kEscaped([](char byte) {
+  return byte == '"' || byte == '\\' || IsControl(byte);
+});
+
+// A `Text` is a std::string or a TextBuffer.
+template <class Text>
+void AppendJson(Text& text, std::string_view string) {
+  constexpr char kDigits[] = "0123456789abcdef";
+  text += '"';
+  for (std::size_t plain; (plain = kEscaped.Find(string)) != string.size();) {
+    text += string.substr(0, plain);
+    text += '\\';
+    const char special = string[plain];
+    if (IsControl(special)) {
+      const char code[] = {'u', '0', '0', kDigits[special >> 4], kDigits[special & 15]};
+      text += std::string_view(code, std::size(code));
+    } else {
+      text += special;
+    }
+    string.remove_prefix(plain + 1);
+  }
+  text += string;
   text += '"';
 }
-inline void AppendJson(std::string& text, const std::string& string) {
+template <class Text>
+void AppendJson(Text& text, const std::string& string) {
   AppendJson(text, std::string_view(string));
 }
-inline void AppendJson(std::string& text, const char* string) {
+template <class Text>
+void AppendJson(Text& text, const char* string) {
   AppendJson(text, std::string_view(string));
 }
 
 // Decimal; a float in the shortest form that reads back to the same float.
-template <class Number>
+template <class Text, class Number>
   requires std::is_arithmetic_v<Number>
-void AppendJson(std::string& text, Number number) {
+void AppendJson(Text& text, Number number) {
   if constexpr (std::is_same_v<Number, bool>) {
-    text += number ? "true" : "false";
+    // The byte of a caller's default may be neither 0 nor 1.
+    text += std::string_view(core::LowestBit(number) != 0 ? "true" : "false");
   } else {
+    if constexpr (std::is_floating_point_v<Number>) {
+      number = std::isnan(number) ? NAN : number;  // Its sign and its bits would be shown.
+    }
     char digits[32];
-    text.append(digits, std::to_chars(digits, std::end(digits), number).ptr);
+    char* const end = std::to_chars(digits, std::end(digits), number).ptr;
+    text += std::string_view(digits, static_cast<std::size_t>(end - digits));
   }
 }
 
-inline void AppendJson(std::string& text, cadrova_core_bool byte) {
+template <class Text>
+void AppendJson(Text& text, cadrova_core_bool byte) {
   AppendJson(text, cadrova::core::IsTrue(byte));
 }
 
-template <class First, class Second>
-void AppendJson(std::string& text, const std::pair<First, Second>& pair) {
+template <class Text, class First, class Second>
+void AppendJson(Text& text, const std::pair<First, Second>& pair) {
   text += '[';
   AppendJson(text, pair.first);
   text += ',';
@@ -86,43 +114,54 @@ void AppendJson(std::string& text, const std::pair<First, Second>& pair) {
   text += ']';
 }
 
-template <class Element>
-void AppendJson(std::string& text, const std::vector<Element>& list) {
+// The elements that `next` returns a pointer to, until it returns NULL.
+template <class Text>
+void AppendJsonList(Text& text, auto next) {
   text += '[';
   const char* separator = "";
-  for (const Element& element : list) {
-    text += std::exchange(separator, ",");
-    AppendJson(text, element);
+  while (const auto* element = next()) {
+    text += std::string_view(std::exchange(separator, ","));
+    AppendJson(text, *element);
   }
   text += ']';
 }
 
-inline void AppendJson(std::string& text, StringArrayBlock block) {
-  std::vector<const char*> list;
-  const auto* slot = block.strings;
-  while (slot != nullptr && *slot != nullptr) list.push_back(*slot++);
-  AppendJson(text, list);
+template <class Text, class Element>
+void AppendJson(Text& text, const std::vector<Element>& list) {
+  auto rest = list.begin();
+  AppendJsonList(text, [&] { return rest == list.end() ? nullptr : &*rest++; });
 }
 
-inline void AppendJson(std::string& text, IntArrayBlock block) {
-  std::vector<std::int32_t> list;
-  if (block.numbers != nullptr && block.numbers[0] > 0) {
-    list.assign(block.numbers + 1, block.numbers + 1 + block.numbers[0]);
-  }
-  AppendJson(text, list);
+template <class Text>
+void AppendJson(Text& text, StringArrayBlock block) {
+  const auto* rest = block.strings;
+  AppendJsonList(text, [&] { return rest == nullptr || *rest == nullptr ? nullptr : rest++; });
 }
 
-inline void AppendJson(std::string& text, PairArrayBlock block) {
-  std::vector<std::pair<const char*, const char*>> list;
+template <class Text>
+void AppendJson(Text& text, IntArrayBlock block) {
+  const auto* rest = block.numbers;
+  std::int32_t count = rest == nullptr ? 0 : *rest;
+  AppendJsonList(text, [&] { return count-- > 0 ? ++rest : nullptr; });
+}
+
+template <class Text>
+void AppendJson(Text& text, PairArrayBlock block) {
   // After a NULL key, the slot for its value may not exist.
-  const auto* slot = block.strings;
-  for (; slot != nullptr && slot[0] != nullptr && slot[1] != nullptr; slot += 2) {
-    list.emplace_back(slot[0], slot[1]);
-  }
-  AppendJson(text, list);
+  const auto* rest = block.strings;
+  std::pair<const char*, const char*> pair;
+  AppendJsonList(text, [&] {
+    if (rest == nullptr || rest[0] == nullptr || rest[1] == nullptr) {
+      return static_cast<decltype(&pair)>(nullptr);
+    }
+    pair = {rest[0], rest[1]};
+    rest += 2;
+    return &pair;
+  });
 }
 
-inline void AppendJson(std::string& text, const host::Value& value) {
+template <class Text>
+void AppendJson(Text& text, const host::Value& value) {
   std::visit([&](const auto& content) { AppendJson(text, content); }, value);
 }
 

@@ -28,21 +28,37 @@ std::string Join(const Range& range, std::string_view separator = ", ",
   return text;
 }
 
-// The name of a map, a key or a code. It is unchanged if it has only letters, digits, "_", "." and
-// "-"; otherwise it is quoted as in JSON. An empty name is "".
+// Whether names with this byte need no quotes.
+constexpr bool IsPlainInName(char byte) {
+  return ('a' <= byte && byte <= 'z') || ('A' <= byte && byte <= 'Z') ||
+         ('0' <= byte && byte <= '9') || byte == '_' || byte == '.' || byte == '-';
+}
+
+// Appends the name of a map, a key or a code. It is unchanged if it has only letters, digits, "_",
+// "." and "-"; otherwise it is quoted as in JSON. An empty name is "".
+template <class Text>
+void AppendDisplayName(Text& text, std::string_view name) {
+  static constexpr ByteSet kQuoted([](char byte) { return !IsPlainInName(byte); });
+  if (!name.empty() && kQuoted.Find(name) == name.size()) {
+    text += name;
+  } else {
+    AppendJson(text, name);
+  }
+}
+
 inline std::string DisplayName(const std::string& name) {
-  constexpr std::string_view kPlain =
-      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_.-";
-  const bool is_plain = !name.empty() && name.find_first_not_of(kPlain) == std::string::npos;
-  return is_plain ? name : ToJsonText(name);
+  std::string text;
+  AppendDisplayName(text, name);
+  return text;
 }
 
 // Appends a function and its arguments: function("EU", "ring.seconds", 3)
-void AppendCall(std::string& text, const char* function, const auto& first, const auto&... rest) {
-  text += function;
+template <class Text>
+void AppendCall(Text& text, const char* function, const auto& first, const auto&... rest) {
+  text += std::string_view(function);
   text += '(';
   AppendJson(text, first);
-  ((text += ", ", AppendJson(text, rest)), ...);
+  ((text += std::string_view(", "), AppendJson(text, rest)), ...);
   text += ')';
 }
 

@@ -1,42 +1,49 @@
 // The chain of one lookup, collected from its calls to the device.
 #pragma once
 
-#include <string>
-#include <vector>
-
 #include "interpose/call.h"
 
 namespace cadrova::tools {
 
-class Chain {
+// `Maps` is a list of structs with the members `name`, and `is_sim`: consulted with an existence
+// test for SIM data.
+template <class Maps>
+class BasicChain {
  public:
-  struct Map {
-    std::string name;
-    bool is_sim;  // consulted with an existence test for SIM data
-  };
-
   void Add(const DeviceCall& call) {
     using Type = DeviceCall::Type;
-    // When a map contains the item, the library consults no other map.
-    if (call.type == Type::kGetProperty || is_complete_) return;
-    maps_.push_back({call.name, call.type == Type::kSimTest});
-    if (call.exists != nullptr) last_contains_item_ = cadrova::core::IsTrue(*call.exists);
-    // The last map of a chain is read without an existence test.
+    if (call.type == Type::kGetProperty) return;
     const bool is_read = call.type == Type::kRead;
-    if (is_read) last_contains_item_ = CoreContains(call.test, call.name, call.key);
-    is_complete_ = last_contains_item_ || is_read;
+    if (is_read && (is_read_ || contains_item_) && maps_.back().name == call.name) {
+      is_read_ = true;  // after its existence test, or once more
+      return;
+    }
+    maps_.push_back({call.name, call.type == Type::kSimTest});
+    is_read_ = is_read;
+    contains_item_ = call.exists != nullptr && core::IsTrue(*call.exists);
+    // The last map of a chain is read without an existence test.
+    if (is_read) contains_item_ = CoreContains(call.find_test(call.caller), call.name, call.key);
+  }
+
+  void Clear() {
+    maps_.Clear();
+    is_read_ = contains_item_ = false;
   }
 
   // The maps that the lookup consulted, in order.
-  const std::vector<Map>& maps() const { return maps_; }
+  const Maps& maps() const { return maps_; }
 
-  // The map that the value came from, or NULL if the value is the default.
-  const Map* source() const { return last_contains_item_ ? &maps_.back() : nullptr; }
+  // Whether the value was read from the last map. If not, it is unknown where the value comes from.
+  bool IsRead() const { return is_read_; }
+
+  // Whether the value comes from a map, which is the last one. If not, and it was read, it is the
+  // default.
+  bool HasSource() const { return is_read_ && contains_item_; }
 
  private:
-  std::vector<Map> maps_;
-  bool is_complete_ = false;
-  bool last_contains_item_ = false;
+  Maps maps_;
+  bool is_read_ = false;
+  bool contains_item_ = false;
 };
 
 }  // namespace cadrova::tools

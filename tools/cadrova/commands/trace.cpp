@@ -1,4 +1,5 @@
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -15,6 +16,13 @@ namespace {
 
 std::string ErrorText() { return std::generic_category().message(errno); }
 
+// A copy of `descriptor` that the program inherits.
+std::string Inherited(int descriptor) {
+  const int inherited = fcntl(descriptor, F_DUPFD, 32);  // 32: few programs use this number
+  if (inherited < 0) throw Failure("can't copy a file descriptor: " + ErrorText());
+  return std::to_string(inherited);
+}
+
 // The path for LD_PRELOAD. For the loader, a blank or a colon ends a path; a path that contains one
 // is replaced with that of an open file.
 std::string TraceLibraryPath() {
@@ -25,20 +33,29 @@ std::string TraceLibraryPath() {
     throw Failure(path + ": " + ErrorText() + "; install the trace library with the command");
   }
   if (path.find_first_of(" :") == std::string::npos) return path;
-  const int inherited = fcntl(library, F_DUPFD, 32);  // 32: few programs use this number
-  if (inherited < 0) throw Failure(path + ": " + ErrorText());
-  return "/proc/self/fd/" + std::to_string(inherited);
+  return "/proc/self/fd/" + Inherited(library);
 }
 
-// Empties the file, and returns its absolute path, because the program may change its folder. A
-// FIFO is not opened: when the program starts it would be closed, and its reader would stop.
-std::string EmptyFile(const std::string& file) {
-  std::error_code ignored;
-  if (!std::filesystem::is_fifo(file, ignored) &&
-      open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666) < 0) {
+// The file of the trace, for the environment of the program.
+struct TraceFile {
+  std::string path;   // absolute, because the program may change its folder
+  std::string given;  // a pipe that the program inherits: its descriptor, device and inode
+};
+
+// Empties the file. Of a FIFO, waits for the reader. Names such as /dev/stdout mean other files in
+// other processes, so the file that is open has another name, or is inherited.
+TraceFile OpenTraceFile(const std::string& file) {
+  const int descriptor = open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+  struct stat status;
+  if (descriptor < 0 || fstat(descriptor, &status) != 0) {
     throw Failure("-o " + file + ": " + ErrorText());
   }
-  return std::filesystem::absolute(file);
+  if (S_ISFIFO(status.st_mode)) {
+    return {std::filesystem::absolute(file), Inherited(descriptor) + ':' +
+                                                 std::to_string(status.st_dev) + ':' +
+                                                 std::to_string(status.st_ino)};
+  }
+  return {std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(descriptor)), ""};
 }
 
 void SetVariable(const char* name, const std::string& value) {
@@ -64,7 +81,9 @@ class Trace : public Command {
     const char* const preloaded = std::getenv("LD_PRELOAD");
     SetVariable("LD_PRELOAD",
                 TraceLibraryPath() + (preloaded == nullptr ? "" : std::string(":") + preloaded));
-    SetVariable("CADROVA_TRACE", file_ ? EmptyFile(*file_) : "");
+    const TraceFile file = file_ ? OpenTraceFile(*file_) : TraceFile();
+    SetVariable("CADROVA_TRACE", file.path);
+    SetVariable("CADROVA_TRACE_DESCRIPTOR", file.given);
     SetVariable("CADROVA_TRACE_SHOW", steps_ ? "steps" : summary_ ? "summary" : "");
     std::vector<char*> arguments;
     arguments.reserve(program_.size() + 1);

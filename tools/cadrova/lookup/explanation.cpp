@@ -5,7 +5,7 @@
 namespace cadrova::tools {
 namespace {
 
-ChainEntry QueryMap(const Chain::Map& map, const Query& query) {
+ChainEntry QueryMap(const ConsultedMap& map, const Query& query) {
   ChainEntry entry;
   entry.map = map.name;
   for (std::size_t i = 0; i < kKindCount; ++i) {
@@ -24,7 +24,7 @@ Explanation Explain(const Query& query) {
   const Chain& consulted = explanation.recording.chain;
   Chain whole;
   DiscardStdout([&] { whole = RecordWholeChain(query); });
-  for (const Chain::Map& map : whole.maps()) {
+  for (const ConsultedMap& map : whole.maps()) {
     ChainEntry& entry = explanation.chain.emplace_back(QueryMap(map, query));
     const std::size_t position = explanation.chain.size();
     entry.is_consulted = position <= consulted.maps().size();

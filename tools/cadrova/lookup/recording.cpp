@@ -3,6 +3,7 @@
 #include <map>
 
 #include "output/capture.h"
+#include "output/console.h"
 
 namespace cadrova::tools {
 namespace {
@@ -14,7 +15,11 @@ std::map<std::string, std::string>& Overrides() {
 
 const std::function<void(DeviceCall&)>* current_observer = nullptr;
 
-void OverrideAndObserve(DeviceCall& call) {
+}  // namespace
+
+bool IsObserved(DeviceCall::Type, Caller, const void*) { return true; }
+
+void ObserveCall(DeviceCall& call) {
   if (call.property != nullptr) {
     const auto found = Overrides().find(call.name);
     if (found != Overrides().end()) {
@@ -22,11 +27,12 @@ void OverrideAndObserve(DeviceCall& call) {
     }
   }
   if (current_observer != nullptr) (*current_observer)(call);
+  if (RecordInTrace != nullptr) RecordInTrace(call, call.name);
 }
 
-}  // namespace
-
-constinit const Observer observer = OverrideAndObserve;
+void ReportNoDefinition(const char* function) {
+  PrintError("cadrova: the core does not define " + std::string(function));
+}
 
 void Observe(const std::function<void(DeviceCall&)>& observe, const std::function<void()>& action) {
   current_observer = &observe;
@@ -38,7 +44,9 @@ Recording Record(const Query& query) {
   Recording recording;
   const auto record = [&](DeviceCall& call) {
     if (call.property != nullptr) recording.properties.emplace_back(call.name, *call.property);
-    call.AppendTo(recording.calls.emplace_back());
+    TextBuffer text;
+    call.AppendTo(text);
+    recording.calls.emplace_back(text.Text());
     recording.chain.Add(call);
   };
   recording.printed =

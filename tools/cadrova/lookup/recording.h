@@ -11,6 +11,17 @@
 
 namespace cadrova::tools {
 
+struct ConsultedMap {
+  std::string name;
+  bool is_sim;
+};
+
+class Chain : public BasicChain<std::vector<ConsultedMap>> {
+ public:
+  // The map that the value came from, or NULL if the value is the default.
+  const ConsultedMap* source() const { return HasSource() ? &maps().back() : nullptr; }
+};
+
 struct Recording {
   Value value;
   std::string printed;                                          // by the library

@@ -1,8 +1,12 @@
 // The settings of libcadrova_trace.so, and the file that it writes to.
 #pragma once
 
+#include <sys/stat.h>
+
 #include <atomic>
-#include <string>
+#include <string_view>
+
+#include "common/text_buffer.h"
 
 namespace cadrova::tools {
 
@@ -14,32 +18,61 @@ enum class TraceMode {
 };
 TraceMode Mode();
 
-// The start of each line: the process ID, then "." and the thread ID except on the main thread.
-std::string LineStart();
+// An open file of the trace. A program may close its descriptor and reuse the number.
+class TraceFile {
+ public:
+  // Copies `descriptor`. If the program closes the copy, the file is opened again as `path`, unless
+  // that is NULL.
+  // Returns false, with the reason in `errno`, if there is no copy.
+  bool Use(int descriptor, const char* path);
+
+  // A descriptor of the file, or -1 if there is none any more. When it is lost, `errno` is the
+  // reason; later, it is 0.
+  int Descriptor();
+
+  bool IsPipe() const { return S_ISFIFO(mode_); }
+  // The signal that a write may raise, or 0.
+  int SignalOfWrite() const;
+
+ private:
+  bool IsOpenAs(int descriptor) const;
+
+  const char* path_ = nullptr;
+  std::atomic<int> descriptor_ = -1;
+  dev_t device_ = 0;
+  ino_t inode_ = 0;
+  mode_t mode_ = 0;
+  bool is_terminal_ = false;
+};
 
 // The file that the environment variable CADROVA_TRACE names, or else standard error as it was at
 // the start of the process.
 class Output {
  public:
-  // Never destroyed: threads may still make lookups while the process exits.
-  static Output& Instance() {
-    static Output& output = *new Output;
-    return output;
-  }
+  static Output& Instance();
 
-  // Writes `lines` in one piece. The program sees no error and no signal. The first failure is
-  // reported on standard error as it was at the start of the process.
-  void Write(const std::string& lines);
+  // Writes `lines` in one piece. If it is longer than a pipe keeps in one piece, its longest values
+  // are cut. The program sees no error and no signal.
+  void Write(const TextBuffer& lines);
+  // Writes a table of any length. To a pipe, in pieces of whole rows.
+  void WriteTable(const TextBuffer& table);
+
+  // Each of these writes a message to standard error as it was at the start of the process, the
+  // first time.
+  void ReportLostLine();
+  void ReportNoDefinition(const char* function);
+  void ReportUnknownCaller(const void* address);
 
  private:
-  Output();
+  Output() { Open(); }
+  void Open();
   void ReportFailure(int error);
+  void Report(std::atomic_flag& is_reported, std::string_view message);
 
-  const int standard_error_;
-  int descriptor_;
-  int signal_;  // The signal that a failed write raises, or 0.
-  std::string path_ = "standard error";
-  std::atomic_flag has_reported_;
+  TraceFile standard_error_, named_;
+  TraceFile* file_ = &standard_error_;
+  const char* path_ = nullptr;  // NULL for standard error
+  std::atomic_flag has_failed_, has_lost_line_, has_no_definition_, has_unknown_caller_;
 };
 
 }  // namespace cadrova::tools

@@ -1,41 +1,17 @@
-// Counts the lookups of a process, and writes a table when it ends.
+// Counts the lookups of a process, and writes a table when it ends. Takes no lock, because a signal
+// handler may interrupt the counting, make a lookup of its own, and jump out of it.
 #pragma once
 
-#include <map>
-#include <mutex>
-#include <string>
-#include <utility>
+#include <string_view>
 
 namespace cadrova::tools {
 
-class Summary {
- public:
-  // Never destroyed: threads may still make lookups while the process exits.
-  static Summary& Instance() {
-    static Summary& summary = *new Summary;
-    return summary;
-  }
+// Counts a lookup. `source` says which map the value came from; it is empty for the default.
+// Returns false if memory ran out.
+bool CountLookup(std::string_view key, const char* kind, std::string_view source,
+                 std::string_view value);
 
-  // Counts a lookup. `source` is the map that the value came from, or empty for the default.
-  void AddLookup(const std::string& key, const std::string& kind, const std::string& source,
-                 const std::string& value);
-
-  // Counts a call to the device by a lookup whose name is unknown.
-  void AddUnnamedCall();
-
-  void Write();
-
- private:
-  Summary();
-
-  struct Feature {
-    long lookups = 0;
-    std::map<std::string, long> lookups_by_source;
-    std::string last_value;
-  };
-  std::mutex mutex_;
-  std::map<std::pair<std::string, std::string>, Feature> features_;  // by key and kind
-  long unnamed_calls_ = 0;
-};
+// Counts a call to the device by a lookup whose name is unknown.
+void CountUnnamedCall();
 
 }  // namespace cadrova::tools

@@ -1,48 +1,90 @@
 // A lookup of the program, and its line in the trace.
 #pragma once
 
+#include <cerrno>
 #include <string>
 #include <utility>
 
 #include "cadrova/value.h"
 #include "common/text.h"
-#include "interpose/call.h"
-#include "interpose/chain.h"
 #include "output.h"
+#include "thread.h"
 
 namespace cadrova::tools {
 
-// Exists on the calling thread from the start of the lookup until its line is written.
+// The program sees no change of `errno`.
+class ErrnoKeeper {
+ public:
+  ErrnoKeeper() = default;
+  ErrnoKeeper(const ErrnoKeeper&) = delete;
+  ErrnoKeeper& operator=(const ErrnoKeeper&) = delete;
+  ~ErrnoKeeper() { errno = error_; }
+
+ private:
+  const int error_ = errno;
+};
+
+// Exists from the start of the lookup until its line is written. `frame` is the stack frame of the
+// interposed function.
 class TracedLookup {
  public:
-  TracedLookup(const char* function, const std::string& key, const auto&... default_value)
-      : key_(key) {
-    AppendCall(line_, function, key, default_value...);
-    current = this;
+  TracedLookup(const void* frame, const char* function, const std::string& key,
+               const auto&... default_value)
+      : frame_(frame) {
+    const ErrnoKeeper errno_keeper;
+    thread_ = Thread::Current();
+    if (thread_ == nullptr) {
+      Output::Instance().ReportLostLine();
+      return;
+    }
+    RunningLookup& lookup = thread_->Push(frame);
+    const RunningLookup::InUse in_use(lookup);
+    lookup.is_sim = std::string_view(function).starts_with("getSim");
+    if (Mode() == TraceMode::kSummary) {
+      lookup.line += std::string_view(key);
+    } else {
+      thread_->AppendIdsTo(lookup.line);
+      AppendCall(lookup.line, function, key, default_value...);
+    }
   }
   TracedLookup(const TracedLookup&) = delete;
   TracedLookup& operator=(const TracedLookup&) = delete;
-  ~TracedLookup() { current = nullptr; }
+  ~TracedLookup() {
+    const ErrnoKeeper errno_keeper;
+    if (thread_ != nullptr) thread_->Pop(frame_);
+    running_device_call = device_call_;
+  }
 
-  // The lookup that runs on this thread, or NULL. A lookup that it calls is part of it.
-  static inline thread_local TracedLookup* current = nullptr;
-
-  void Add(const DeviceCall& call);
+  // Whether the library calls the function with `frame` as a part of a lookup that runs.
+  static bool IsPartOfLookup(const void* frame);
 
   template <class T>
   void Finish(const T& value) {
-    Finish(host::ToString(host::KindOf(host::Value(std::in_place_type<T>))), ToJsonText(value));
+    const ErrnoKeeper errno_keeper;
+    RunningLookup* const lookup = FindLookup();
+    if (lookup == nullptr) return;
+    const RunningLookup::InUse in_use(*lookup);
+    if (Mode() == TraceMode::kSummary) {
+      AppendJson(lookup->steps, value);
+      CountValue(*lookup, host::ToString(host::KindOf(host::Value(std::in_place_type<T>))));
+    } else {
+      lookup->line += " = ";
+      AppendJson(lookup->line, value);
+      WriteValue(*lookup);
+    }
   }
   void FinishSetSim();
 
  private:
-  void Finish(const char* kind, const std::string& value);
-  void WriteLine();
+  RunningLookup* FindLookup() const { return thread_ == nullptr ? nullptr : thread_->Find(frame_); }
+  static void WriteValue(RunningLookup& lookup);
+  // The key is in `line`, the value in `steps`.
+  static void CountValue(RunningLookup& lookup, const char* kind);
 
-  std::string key_;
-  std::string line_ = LineStart();
-  std::string steps_;  // only if they are shown
-  Chain chain_;
+  const void* const frame_;
+  // If the device makes this lookup, its call is not the one that this lookup's calls are part of.
+  const void* const device_call_ = std::exchange(running_device_call, nullptr);
+  Thread* thread_;
 };
 
 }  // namespace cadrova::tools
