@@ -92,6 +92,7 @@ TEST(Trace, LogsEachLookupAndDoesNotChangeTheProgram) {
       {{}, {LOADING, library + "calls_libbase.so"}},
       {{}, {LOADING, library + "calls_core.so", library + "foreign_core.so"}},
       {{}, {LOADING, library + "calls_foreign_core.so"}},
+      {{}, {LOADING, library + "brings_core.so"}},
       {{}, {LOADING, library + "calls_weak.so"}},
       {{}, {TRACED_WITH_OWN_CORE, "reads-property"}},
       {steps, {TRACED_WITH_CORE, "nests-lookups"}},

@@ -4,6 +4,7 @@
 //   TRACED_CORE                a core that contains one item, for the programs of traced.cpp
 //   TRACED_CALLS_LIBBASE       reads a property
 //   TRACED_CALLS_CORE          calls the core directly
+//   TRACED_BRINGS_CORE         calls a lookup, and has a core of its own for the library
 //   TRACED_CALLS_WEAK          calls a lookup only if it is defined
 //   TRACED_FOREIGN_CORE        a core with another type of string
 //   TRACED_CALLS_FOREIGN_CORE  calls that core
@@ -78,6 +79,17 @@ extern "C" int look_up(std::string key, int) {
 #include "parser_core.h"
 
 extern "C" int look_up(std::string key, int value) { return get_int_from_map("EU", key, value); }
+
+#elif defined(TRACED_BRINGS_CORE)
+#include "cadrova/cadrova.h"
+#include "parser_core.h"
+
+cadrova_core_bool get_int_item_exist(const std::string&, const std::string&) { return 1; }
+std::int32_t get_int_from_map(const std::string&, const std::string&, std::int32_t) { return 42; }
+
+extern "C" int look_up(std::string key, int value) {
+  return android::getCustIntFeature(key, value);
+}
 
 #elif defined(TRACED_CALLS_WEAK)
 namespace android {

@@ -33,9 +33,7 @@ class MapList {
   Map back() const { return (*this)[size_ - 1]; }
   std::size_t size() const { return size_; }
   // False if memory ran out.
-  bool IsComplete() const {
-    return size_ == 0 || slots_[size_ - 1].name_end == names_.Text().size();
-  }
+  bool IsComplete() const { return names_.IsComplete(); }
   void Clear() {
     names_.Clear();
     size_ = 0;
