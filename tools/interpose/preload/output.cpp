@@ -5,6 +5,7 @@
 #include <poll.h>
 #include <pthread.h>
 #include <sys/resource.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -54,6 +55,22 @@ struct Given {
   }
 };
 
+// Defers the cancellation of this thread while this object exists: a lookup that is not traced may
+// contain no cancellation point. bionic cancels no threads. It does not exist around `SYS_write`,
+// which is no cancellation point.
+class CancellationBlocker {
+#ifndef __BIONIC__
+ public:
+  CancellationBlocker() { pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &state_); }
+  CancellationBlocker(const CancellationBlocker&) = delete;
+  CancellationBlocker& operator=(const CancellationBlocker&) = delete;
+  ~CancellationBlocker() { pthread_setcancelstate(state_, nullptr); }
+
+ private:
+  int state_ = 0;
+#endif
+};
+
 // Blocks `signal` on this thread while this object exists. 0 is no signal.
 class SignalBlocker {
  public:
@@ -75,6 +92,7 @@ class SignalBlocker {
   // Discards the signal that a failed write has raised.
   void Discard() const {
     constexpr timespec kNow = {};
+    const CancellationBlocker no_cancellation;
     if (signal_ != 0 && !was_pending_) sigtimedwait(&blocked_, nullptr, &kNow);
   }
 
@@ -84,28 +102,13 @@ class SignalBlocker {
   sigset_t blocked_, mask_;
 };
 
-// Defers the cancellation of this thread while this object exists: a lookup that is not traced may
-// contain no cancellation point. bionic cancels no threads.
-class CancellationBlocker {
-#ifndef __BIONIC__
- public:
-  CancellationBlocker() { pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &state_); }
-  CancellationBlocker(const CancellationBlocker&) = delete;
-  CancellationBlocker& operator=(const CancellationBlocker&) = delete;
-  ~CancellationBlocker() { pthread_setcancelstate(state_, nullptr); }
-
- private:
-  int state_ = 0;
-#endif
-};
-
 // Returns 0, or the error that prevented the write.
 int WriteAll(int descriptor, int signal, std::string_view text) {
   while (!text.empty()) {
     int error = 0;
     {
       const SignalBlocker blocker(signal);
-      const ssize_t count = write(descriptor, text.data(), text.size());
+      const long count = syscall(SYS_write, descriptor, text.data(), text.size());
       if (count >= 0) {
         text.remove_prefix(static_cast<std::size_t>(count));
       } else {
@@ -114,6 +117,7 @@ int WriteAll(int descriptor, int signal, std::string_view text) {
       }
     }
     if (error == EAGAIN) {
+      const CancellationBlocker no_cancellation;
       pollfd until_ready = {.fd = descriptor, .events = POLLOUT, .revents = 0};
       poll(&until_ready, 1, -1);
     } else if (error != 0 && error != EINTR) {
@@ -168,6 +172,7 @@ int TraceFile::Descriptor() {
   int descriptor = descriptor_;
   errno = 0;
   if (descriptor < 0 || IsOpenAs(descriptor)) return descriptor;
+  const CancellationBlocker no_cancellation;
   int copy = -1;
   const int file = path_ == nullptr ? -1 : OpenForWriting(path_, 0);
   int error = errno;
@@ -217,7 +222,6 @@ void Output::Open() {
 }
 
 void Output::Write(const TextBuffer& lines) {
-  const CancellationBlocker no_cancellation;
   const int descriptor = file_->Descriptor();
   if (descriptor < 0) return path_ == nullptr || errno == 0 ? void() : ReportFailure(errno);
   TextBuffer cut;
@@ -245,7 +249,6 @@ void Output::WriteTable(const TextBuffer& table) {
 }
 
 void Output::Report(std::atomic_flag& is_reported, std::string_view message) {
-  const CancellationBlocker no_cancellation;
   const int descriptor = standard_error_.Descriptor();
   if (is_reported.test_and_set() || descriptor < 0) return;
   WriteAll(descriptor, standard_error_.SignalOfWrite(), message);
