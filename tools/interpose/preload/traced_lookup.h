@@ -50,7 +50,6 @@ class TracedLookup {
   TracedLookup(const TracedLookup&) = delete;
   TracedLookup& operator=(const TracedLookup&) = delete;
   ~TracedLookup() {
-    const ErrnoKeeper errno_keeper;
     if (thread_ != nullptr) thread_->Pop(frame_);
     running_device_call = device_call_;
   }
