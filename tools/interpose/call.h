@@ -30,11 +30,12 @@ struct DeviceCall {
   // The returned value, which an observer may change. NULL if the call returns another type.
   std::string* property = nullptr;
   cadrova_core_bool* exists = nullptr;
-  void (*append)(const void* context, TextBuffer& text) = nullptr;
+  std::size_t (*append)(const void* context, TextBuffer& text) = nullptr;
   const void* context = nullptr;
 
   // Appends the call and the returned value: get_int_item_exist("EU", "ring.seconds") = true
-  void AppendTo(TextBuffer& text) const { append(context, text); }
+  // Returns the position of the value in the text.
+  std::size_t AppendTo(TextBuffer& text) const { return append(context, text); }
 };
 
 // Each binary that links device.cpp defines these three functions. The first calls may come before

@@ -58,7 +58,7 @@ Returned Missing(const DeviceCall& call, Caller caller, const Rest&... rest) {
 void Show(DeviceCall& call, const auto& append) {
   using Append = std::remove_cvref_t<decltype(append)>;
   call.append = [](const void* context, TextBuffer& text) {
-    (*static_cast<const Append*>(context))(text);
+    return (*static_cast<const Append*>(context))(text);
   };
   call.context = &append;
   ObserveCall(call);
@@ -85,7 +85,10 @@ auto PassOn(DeviceCall call, const char* function, const Rest&... rest) {
   };
   if constexpr (std::is_void_v<Returned>) {
     run();
-    Show(call, [&](TextBuffer& text) { AppendCall(text, function, call.name, call.key, rest...); });
+    Show(call, [&](TextBuffer& text) {
+      AppendCall(text, function, call.name, call.key, rest...);
+      return text.Text().size();
+    });
   } else {
     Returned returned = run();
     if constexpr (std::is_same_v<Returned, std::string>) {
@@ -96,7 +99,9 @@ auto PassOn(DeviceCall call, const char* function, const Rest&... rest) {
     Show(call, [&](TextBuffer& text) {
       AppendCall(text, function, call.name, call.key, rest...);
       text += std::string_view(" = ");
+      const std::size_t value = text.Text().size();
       AppendJson(text, Shown{returned});
+      return value;
     });
     return returned;
   }

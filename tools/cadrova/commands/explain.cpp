@@ -68,7 +68,7 @@ std::vector<std::string> SimilarKeys(const host::Contents& contents,
 }
 
 std::string ToExplanationText(const Explanation& explanation) {
-  if (!CanListContents()) return ToText(explanation, nullptr);
+  if (!HasFakeCore()) return ToText(explanation, nullptr);
   const auto contents = ListContents();
   std::vector<std::string> chain(explanation.chain.size());
   std::ranges::transform(explanation.chain, chain.begin(), &ChainEntry::map);

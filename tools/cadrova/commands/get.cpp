@@ -23,7 +23,9 @@ class Get : public Command {
     const Recording recording = Record(query);
     std::fwrite(recording.printed.data(), 1, recording.printed.size(), stderr);
     Print(json_ ? ToJson(recording.value) + '\n' : ToLines(recording.value));
-    if (recording.chain.source() != nullptr || query.has_default) return kSuccess;
+    if (SourceOf(recording.chain, recording.value, query) != nullptr || query.has_default) {
+      return kSuccess;
+    }
     PrintError("cadrova: no map contains " + DisplayName(query.key) + " as " +
                ToString(query.kind) + "; see cadrova explain");
     return kNegative;

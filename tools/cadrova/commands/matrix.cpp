@@ -42,8 +42,9 @@ class Matrix : public Command {
 
  private:
   int ShowFeature(const Query& query) const {
-    const Fleet fleet = fleet_.ToFleet(fleet_.are_complete() ? std::vector<std::string>()
-                                                             : MapNames(ListContents()));
+    const Fleet fleet = fleet_.ToFleet(
+        fleet_.are_complete() ? std::vector<std::string>()
+                              : MapNames(ListContents("give both --regions and --carriers")));
     const FleetChains chains(*query.family, fleet);
     const Results results = chains.Collect(query.kind, query.key);
     if (json_) {
@@ -51,12 +52,15 @@ class Matrix : public Command {
     } else if (csv_) {
       Print(ToCsv(chains, results));
     } else if (html_) {
-      HtmlReport report(CanListContents() ? ListContents().file : "", fleet);
+      HtmlReport report(HasFakeCore() ? ListContents().file : "this device's core", fleet);
       report.BeginFeature(query.key, query.kind);
       report.Add(*query.family, LayOut(chains, results));
       Write(report, *html_);
     } else {
       Print(ToText(LayOut(chains, results), fleet));
+    }
+    if (!results.is_stable()) {
+      PrintError("cadrova: warning: the core returned different values for the same call");
     }
     if (results.has_any()) return kSuccess;
     PrintError("cadrova: no map contains " + DisplayName(query.key) + " as " +
@@ -65,7 +69,8 @@ class Matrix : public Command {
   }
 
   int WriteReportOfAll(const std::string& file) const {
-    const auto contents = ListContents();
+    const auto contents =
+        ListContents("give FAMILY, KIND and KEY, and both --regions and --carriers");
     const Fleet fleet = fleet_.ToFleet(MapNames(contents));
     const auto features = IndexFeatures(contents);
     std::vector<FleetChains> families;

@@ -50,6 +50,9 @@ Query QueryOptions::Apply() const {
   data_.Apply();
   if (region_) OverrideProperty(kRegionCode, *region_);
   if (carrier_) OverrideProperty(kCarrierCode, *carrier_);
+  if (!sim_items_.empty() && !HasFakeCore()) {
+    throw Failure("--sim needs the fake core; this core may keep the item for other programs");
+  }
   for (const std::string& item : sim_items_) {
     const std::size_t equals = item.find('=');
     if (equals == std::string::npos) throw Failure("--sim: '" + item + "' is not KEY=VALUE");

@@ -1,3 +1,4 @@
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -7,6 +8,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include "cadrova/cadrova.h"
 #include "commands/command.h"
 #include "commands/shared_options.h"
 #include "failure.h"
@@ -23,14 +25,16 @@ std::string Inherited(int descriptor) {
   return std::to_string(inherited);
 }
 
-// The path for LD_PRELOAD. For the loader, a blank or a colon ends a path; a path that contains one
-// is replaced with that of an open file.
+// The path for LD_PRELOAD: the trace library is installed beside the library. For the loader, a
+// blank or a colon ends a path; a path that contains one is replaced with that of an open file.
 std::string TraceLibraryPath() {
-  const auto command = std::filesystem::read_symlink("/proc/self/exe").parent_path();
-  std::string path = (command / CADROVA_TRACE_LIBRARY).lexically_normal();
+  Dl_info library_info = {};
+  dladdr(reinterpret_cast<const void*>(android::getIntFromRust), &library_info);
+  const auto library_path = std::filesystem::canonical(library_info.dli_fname);
+  const std::string path = library_path.parent_path() / "libcadrova_trace.so";
   const int library = open(path.c_str(), O_RDONLY | O_CLOEXEC);
   if (library < 0) {
-    throw Failure(path + ": " + ErrorText() + "; install the trace library with the command");
+    throw Failure(path + ": " + ErrorText() + "; install the trace library beside the library");
   }
   if (path.find_first_of(" :") == std::string::npos) return path;
   return "/proc/self/fd/" + Inherited(library);

@@ -74,15 +74,24 @@ Results FleetChains::Collect(Kind kind, const std::string& key,
       }
     }
   }
-  Results results({});
+  Results results;
+  bool is_stable = true;
   DiscardStdout([&] {
-    results = Results(LookUpAsIfOnlyIn(nullptr, query));
+    std::unordered_map<std::uint32_t, Result> by_map;
+    Result missing = LookUpAsIfOnlyIn(nullptr, query, is_stable);
+    // The last map of the chain, which lookups read without an existence test.
+    if (missing.map) by_map.emplace(ids_[0].at(*missing.map), missing);
     for (const std::uint32_t id : candidates) {
       const Map& map = maps_[id];
-      if (CoreContains(ExistenceTestOf(kind, map.is_sim), map.name, key)) {
-        results.Add(id, LookUpAsIfOnlyIn(&map, query));
+      if (!CoreContains(ExistenceTestOf(kind, map.is_sim), map.name, key)) continue;
+      Result result = LookUpAsIfOnlyIn(&map, query, is_stable);
+      if (result.map == map.name) {
+        by_map.emplace(id, std::move(result));
+      } else {
+        is_stable = false;
       }
     }
+    results = Results(std::move(by_map), std::move(missing), is_stable);
   });
   return results;
 }
@@ -99,18 +108,24 @@ void FleetChains::SetCodes(std::size_t device) const {
   OverrideProperty(kCarrierCode, fleet_.carriers[device % fleet_.carriers.size()]);
 }
 
-Result FleetChains::LookUpAsIfOnlyIn(const Map* map, const Query& query) const {
+Result FleetChains::LookUpAsIfOnlyIn(const Map* map, const Query& query, bool& is_stable) const {
   SetCodes(map == nullptr ? 0 : map->device);
   Chain chain;
   Result result;
+  std::string first_reading;
   const auto observe = [&](DeviceCall& call) {
     const bool is_map = map != nullptr && call.name == map->name &&
                         (call.type == DeviceCall::Type::kSimTest) == map->is_sim;
     if (call.exists != nullptr && !is_map) *call.exists = 0;
+    if (call.type == DeviceCall::Type::kRead) {
+      const std::string reading = ReturnedValue(call);
+      if (first_reading.empty()) first_reading = reading;
+      if (reading != first_reading) is_stable = false;
+    }
     chain.Add(call);
   };
   Observe(observe, [&] { result.value = query.Run(); });
-  if (const auto* source = chain.source()) result.map = source->name;
+  if (const auto* source = SourceOf(chain, result.value, query)) result.map = source->name;
   return result;
 }
 

@@ -33,8 +33,12 @@ using MapIds = std::span<const std::uint32_t>;
 // The results of one feature.
 class Results {
  public:
-  explicit Results(Result missing) : missing_(std::move(missing)) {}
-  void Add(std::uint32_t map, Result result) { by_map_.emplace(map, std::move(result)); }
+  Results() = default;
+  Results(std::unordered_map<std::uint32_t, Result> by_map, Result missing, bool is_stable)
+      : by_map_(std::move(by_map)), missing_(std::move(missing)), is_stable_(is_stable) {}
+
+  // Whether the core returned the same value each time that it got the same call.
+  bool is_stable() const { return is_stable_; }
 
   // Whether any map contains the feature.
   bool has_any() const { return !by_map_.empty(); }
@@ -51,6 +55,7 @@ class Results {
  private:
   std::unordered_map<std::uint32_t, Result> by_map_;
   Result missing_;
+  bool is_stable_ = true;
 };
 
 // The chains of all devices in one family.
@@ -81,8 +86,9 @@ class FleetChains {
 
   std::uint32_t IdOf(const std::string& map, bool is_sim, std::size_t device);
   void SetCodes(std::size_t device) const;
-  // Makes the lookup as if only `map` contained the item, or no map if it is NULL.
-  Result LookUpAsIfOnlyIn(const Map* map, const Query& query) const;
+  // Makes the lookup as if only `map` contained the item, or no map if it is NULL. Clears
+  // `is_stable` if the core contradicts itself.
+  Result LookUpAsIfOnlyIn(const Map* map, const Query& query, bool& is_stable) const;
 
   const Family& family_;
   const Fleet& fleet_;

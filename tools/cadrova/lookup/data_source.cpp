@@ -18,12 +18,14 @@ namespace {
 
 void CheckPath(const std::string& path) {
   if (path.empty()) throw Failure("the name of the customization file is empty");
-  if (host::LoadFile == nullptr) {
-    throw Failure(path + ": this parser core can't read customization files");
+  if (!HasFakeCore()) {
+    throw Failure("this core can't load " + path + "; only the fake core can load files");
   }
 }
 
 }  // namespace
+
+bool HasFakeCore() { return host::List != nullptr; }
 
 std::vector<host::Error> TryLoadData(const std::string& path) {
   CheckPath(path);
@@ -49,10 +51,8 @@ void DataFile::Load() const {
   throw Failure(errors[0]);
 }
 
-bool CanListContents() { return host::List != nullptr; }
-
-host::Contents ListContents() {
-  if (!CanListContents()) throw Failure("this parser core can't list its contents");
+host::Contents ListContents(const std::string& advice) {
+  if (!HasFakeCore()) throw Failure("this core can't list its contents; " + advice);
   return host::List();
 }
 

@@ -1,5 +1,5 @@
-// Functions of the fake core that a real core does not have: read a customization file, and list
-// its contents.
+// Functions of the fake core that no other core has: read a customization file, and list its
+// contents.
 #pragma once
 
 #include <string>
@@ -8,6 +8,9 @@
 #include "cadrova/host.h"
 
 namespace cadrova::tools {
+
+// Whether the core is the fake one.
+bool HasFakeCore();
 
 // Makes the core use the file, and returns the errors in it. Throws a Failure if the core is not
 // the fake one.
@@ -26,10 +29,7 @@ class DataFile {
   std::string path_, text_;
 };
 
-// Whether the core can list its contents.
-bool CanListContents();
-
-// Throws a Failure if the core can't list its contents.
-host::Contents ListContents();
+// Throws a Failure if the core is not the fake one. `advice` says what to do instead.
+host::Contents ListContents(const std::string& advice = "only the fake core can");
 
 }  // namespace cadrova::tools

@@ -1,36 +1,107 @@
 #include "lookup/explanation.h"
 
+#include <algorithm>
+#include <span>
+
+#include "common/json_text.h"
+#include "common/text.h"
 #include "output/capture.h"
 
 namespace cadrova::tools {
 namespace {
 
-ChainEntry QueryMap(const ConsultedMap& map, const Query& query) {
-  ChainEntry entry;
-  entry.map = map.name;
-  for (std::size_t i = 0; i < kKindCount; ++i) {
-    const auto kind = static_cast<Kind>(i);
-    if (!CoreContains(ExistenceTestOf(kind, map.is_sim), map.name, query.key)) continue;
-    entry.kinds.push_back(kind);
-    if (kind == query.kind) entry.value = ReadFromMap(map.name, query.key, query.default_value);
-  }
-  return entry;
+std::string NamesOf(std::span<const ConsultedMap> maps) {
+  return Join(maps, ", ", [](const ConsultedMap& map) { return DisplayName(map.name); });
 }
+
+// Records the lookup, then queries each map of its chain. Compares the two.
+class Explainer {
+ public:
+  explicit Explainer(const Query& query) : explanation_{query, Record(query), {}, {}} {}
+
+  Explanation Explain() {
+    DiscardStdout([&] { QueryChain(); });
+    return std::move(explanation_);
+  }
+
+ private:
+  void QueryChain() {
+    const ConsultedMap* const source = SourceOf(recording_.chain, recording_.value, query_);
+    const std::size_t consulted = recording_.chain.maps().size();
+    for (const ConsultedMap& map : WholeChain()) {
+      ChainEntry& entry = explanation_.chain.emplace_back(QueryMap(map));
+      const std::size_t position = explanation_.chain.size();
+      entry.is_consulted = position <= consulted;
+      entry.is_source = position == consulted && source != nullptr;
+      if (entry.is_consulted) CompareExistence(entry);
+      if (position == consulted) CompareReadings(entry);
+    }
+  }
+
+  // The maps that the lookup consulted, and the rest of its chain.
+  std::vector<ConsultedMap> WholeChain() {
+    std::vector<ConsultedMap> maps = recording_.chain.maps();
+    const Chain whole = RecordWholeChain(query_);
+    const std::span<const ConsultedMap> repeated = whole.maps();
+    const std::size_t consulted = std::min(maps.size(), repeated.size());
+    if (NamesOf(repeated.first(consulted)) != NamesOf(maps)) {
+      Warn("the lookup consulted " + NamesOf(maps) + "; repeated, it consulted " +
+           NamesOf(repeated));
+    }
+    maps.insert(maps.end(), repeated.begin() + consulted, repeated.end());
+    return maps;
+  }
+
+  ChainEntry QueryMap(const ConsultedMap& map) const {
+    ChainEntry entry;
+    entry.map = map.name;
+    for (std::size_t i = 0; i < kKindCount; ++i) {
+      const auto kind = static_cast<Kind>(i);
+      if (!CoreContains(ExistenceTestOf(kind, map.is_sim), map.name, query_.key)) continue;
+      entry.kinds.push_back(kind);
+      if (kind == query_.kind) entry.value = Read(map.name);
+    }
+    return entry;
+  }
+
+  // The lookup went on after each map but the source, so it found no item there.
+  void CompareExistence(ChainEntry& entry) {
+    const bool exists = entry.value.has_value();
+    if (exists == entry.is_source) return;
+    Warn("the core says that " + DisplayName(entry.map) +
+         (exists ? " contains " : " does not contain ") + DisplayName(query_.key) + " as " +
+         ToString(query_.kind) +
+         (exists ? ", but the lookup did not find it" : ", but the lookup found it"));
+    if (!exists) entry.value = Read(entry.map);
+  }
+
+  // The library reads a scalar or a string twice, and its value is the second reading.
+  void CompareReadings(const ChainEntry& last) {
+    std::vector<std::string> readings = recording_.readings;
+    if (last.is_source) readings.push_back(ToJsonText(*last.value));
+    readings.erase(std::ranges::unique(readings).begin(), readings.end());
+    if (readings.size() > 1) {
+      Warn("the core returned " + Join(readings, ", then ") + " from " + DisplayName(last.map));
+    }
+  }
+
+  Value Read(const std::string& map) const {
+    return ReadFromMap(map, query_.key, query_.default_value);
+  }
+  void Warn(const std::string& warning) { explanation_.warnings.push_back(warning); }
+
+  Explanation explanation_;
+  const Query& query_ = explanation_.query;
+  const Recording& recording_ = explanation_.recording;
+};
 
 }  // namespace
 
-Explanation Explain(const Query& query) {
-  Explanation explanation = {query, Record(query), {}};
-  const Chain& consulted = explanation.recording.chain;
-  Chain whole;
-  DiscardStdout([&] { whole = RecordWholeChain(query); });
-  for (const ConsultedMap& map : whole.maps()) {
-    ChainEntry& entry = explanation.chain.emplace_back(QueryMap(map, query));
-    const std::size_t position = explanation.chain.size();
-    entry.is_consulted = position <= consulted.maps().size();
-    entry.is_source = position == consulted.maps().size() && consulted.source() != nullptr;
-  }
-  return explanation;
+Explanation Explain(const Query& query) { return Explainer(query).Explain(); }
+
+const ChainEntry* Explanation::source() const {
+  const auto found = std::ranges::find(chain, true, &ChainEntry::is_source);
+  return found == chain.end() ? nullptr : &*found;
 }
 
 }  // namespace cadrova::tools

@@ -1,6 +1,7 @@
 // Why a lookup returns its value.
 #pragma once
 
+#include <algorithm>
 #include <optional>
 #include <string>
 #include <vector>
@@ -16,12 +17,20 @@ struct ChainEntry {
   bool is_source = false;     // the value comes from it
   std::vector<Kind> kinds;
   std::optional<Value> value;  // none if the map does not contain the item as the lookup's kind
+
+  bool Contains(Kind kind) const { return std::ranges::find(kinds, kind) != kinds.end(); }
 };
 
 struct Explanation {
   Query query;
   Recording recording;
   std::vector<ChainEntry> chain;
+  // What the core returned during the lookup, and otherwise afterwards: its data or a property has
+  // changed, or it contradicts itself.
+  std::vector<std::string> warnings;
+
+  // The map that the value comes from, or NULL if the value is the default.
+  const ChainEntry* source() const;
 };
 
 // Records the lookup, then its whole chain, and queries each map in it.

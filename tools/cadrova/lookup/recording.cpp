@@ -2,6 +2,7 @@
 
 #include <map>
 
+#include "common/json_text.h"
 #include "output/capture.h"
 #include "output/console.h"
 
@@ -40,6 +41,19 @@ void Observe(const std::function<void(DeviceCall&)>& observe, const std::functio
   current_observer = nullptr;
 }
 
+const ConsultedMap* SourceOf(const Chain& chain, const Value& value, const Query& query) {
+  // Compared as text, so that NaN is equal to NaN.
+  const bool is_default = ToJsonText(value) == ToJsonText(query.default_value);
+  return chain.HasSource(is_default) ? &chain.maps().back() : nullptr;
+}
+
+std::string ReturnedValue(const DeviceCall& call) {
+  static TextBuffer text;
+  text.Clear();
+  const std::size_t value = call.AppendTo(text);
+  return std::string(text.Text().substr(value));
+}
+
 Recording Record(const Query& query) {
   Recording recording;
   const auto record = [&](DeviceCall& call) {
@@ -47,6 +61,7 @@ Recording Record(const Query& query) {
     TextBuffer text;
     call.AppendTo(text);
     recording.calls.emplace_back(text.Text());
+    if (call.type == DeviceCall::Type::kRead) recording.readings.push_back(ReturnedValue(call));
     recording.chain.Add(call);
   };
   recording.printed =

@@ -16,11 +16,13 @@ struct ConsultedMap {
   bool is_sim;
 };
 
-class Chain : public BasicChain<std::vector<ConsultedMap>> {
- public:
-  // The map that the value came from, or NULL if the value is the default.
-  const ConsultedMap* source() const { return HasSource() ? &maps().back() : nullptr; }
-};
+using Chain = BasicChain<std::vector<ConsultedMap>>;
+
+// The map that the lookup's value came from, or NULL if it is the default.
+const ConsultedMap* SourceOf(const Chain& chain, const Value& value, const Query& query);
+
+// The value that the core or the property store returned, as JSON.
+std::string ReturnedValue(const DeviceCall& call);
 
 struct Recording {
   Value value;
@@ -28,9 +30,11 @@ struct Recording {
   std::vector<std::pair<std::string, std::string>> properties;  // name and value, in order
   std::vector<std::string> calls;                               // to the device, in order
   Chain chain;
+  std::vector<std::string> readings;  // what it read from its last map, as JSON
 };
 
-// Makes the lookup and records it.
+// Makes the lookup and records it. A scalar or a string is read twice; the second reading is the
+// value.
 Recording Record(const Query& query);
 
 // Makes the lookup with every existence test forced to false, and returns the whole chain. Prints

@@ -42,16 +42,17 @@ std::string ToLine(const Json& json) {
 std::string ToJson(const Value& value) { return ToLine(FromValue(value)); }
 
 std::string ToJson(const Explanation& explanation) {
-  const auto& [query, recording, chain] = explanation;
+  const auto& [query, recording, chain, warnings] = explanation;
   Json json = {{"function", query.family->FunctionName(query.kind)},
                {"key", query.key},
                {"kind", ToString(query.kind)}};
   if (query.kind <= Kind::kString) json["default"] = FromValue(query.default_value);
   json["value"] = FromValue(recording.value);
-  const auto* source = recording.chain.source();
-  json["answered_by"] = source == nullptr ? Json() : Json(source->name);
+  const ChainEntry* const source = explanation.source();
+  json["answered_by"] = source == nullptr ? Json() : Json(source->map);
   const std::string& printed = recording.printed;
-  json["line"] = printed.empty() ? Json() : Json(printed.substr(0, printed.size() - 1));
+  json["line"] =
+      printed.empty() ? Json() : Json(printed.substr(0, printed.find_last_not_of('\n') + 1));
   json["properties"] = recording.properties;
   json["maps"] = Json::array();
   for (const ChainEntry& entry : chain) {
@@ -62,6 +63,7 @@ std::string ToJson(const Explanation& explanation) {
                             {"holds", kinds},
                             {"value", entry.value ? FromValue(*entry.value) : Json()}});
   }
+  json["warnings"] = warnings;
   return ToLine(json);
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <map>
+#include <sstream>
 #include <utility>
 
 #include "common/json_text.h"
@@ -51,10 +52,10 @@ std::string ToText(const std::vector<Feature>& features) {
 namespace {
 
 std::string Summary(const Explanation& explanation) {
-  const auto& [query, recording, chain] = explanation;
-  const std::string value = ToJsonText(recording.value);
-  if (const auto* map = recording.chain.source()) {
-    return value + ", from " + DisplayName(map->name);
+  const Query& query = explanation.query;
+  const std::string value = ToJsonText(explanation.recording.value);
+  if (const auto* source = explanation.source()) {
+    return value + ", from " + DisplayName(source->map);
   }
   return value + ", the default: no map contains " + DisplayName(query.key) + " as " +
          ToString(query.kind);
@@ -63,7 +64,7 @@ std::string Summary(const Explanation& explanation) {
 std::string KindsText(const ChainEntry& entry, Kind wanted) {
   if (entry.kinds.empty()) return "-";
   return Join(entry.kinds, ", ", [](Kind kind) { return ToString(kind); }) +
-         (entry.value ? "" : std::string(", not ") + ToString(wanted));
+         (entry.Contains(wanted) ? "" : std::string(", not ") + ToString(wanted));
 }
 
 std::string ChainTable(const Explanation& explanation) {
@@ -77,7 +78,7 @@ std::string ChainTable(const Explanation& explanation) {
   for (std::size_t i = 0; i < explanation.chain.size(); ++i) {
     const ChainEntry& entry = explanation.chain[i];
     const std::string& line = lines[i + 1];
-    const bool is_other_kind = !entry.kinds.empty() && !entry.value;
+    const bool is_other_kind = !entry.kinds.empty() && !entry.Contains(explanation.query.kind);
     table += entry.is_source ? Colored("> " + line, kGreen)
              : is_other_kind ? Colored("  " + line, kYellow)
                              : "  " + line;
@@ -94,6 +95,13 @@ std::string Labelled(std::string label, const std::vector<std::string>& lines) {
     text += std::exchange(label, "") + ' ' + host::Printable(line) + '\n';
   }
   return text;
+}
+
+std::vector<std::string> LinesOf(const std::string& text) {
+  std::vector<std::string> lines;
+  std::istringstream rest(text);
+  for (std::string line; std::getline(rest, line);) lines.push_back(line);
+  return lines;
 }
 
 std::vector<std::string> FirstThree(std::vector<std::string> lines) {
@@ -117,12 +125,13 @@ std::vector<std::string> PropertyLines(const Recording& recording) {
 }  // namespace
 
 std::string ToText(const Explanation& explanation, const DataFacts* facts) {
-  const std::string& printed = explanation.recording.printed;
-  std::vector<std::string> printed_lines;
-  if (!printed.empty()) printed_lines = {printed.substr(0, printed.size() - 1)};
-  std::string text = Colored(Summary(explanation), kBold) + "\n\n" + ChainTable(explanation) +
-                     '\n' + Labelled("properties", PropertyLines(explanation.recording)) +
-                     Labelled("printed", printed_lines);
+  std::string text = Colored(Summary(explanation), kBold) + '\n';
+  for (const std::string& warning : explanation.warnings) {
+    text += Colored("warning: ", kYellow) + host::Printable(warning) + '\n';
+  }
+  text += '\n' + ChainTable(explanation) + '\n' +
+          Labelled("properties", PropertyLines(explanation.recording)) +
+          Labelled("printed", LinesOf(explanation.recording.printed));
   if (facts == nullptr) return text;
   return text + Labelled("data", {facts->file}) +
          Labelled("not in chain", FirstThree(facts->other_maps)) +

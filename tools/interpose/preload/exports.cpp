@@ -46,7 +46,7 @@ auto Traced(const char* function, const void* caller, std::string& key, Default&
   }
   TracedLookup lookup(frame, function, key, default_value...);
   Value value = next(key, default_value...);
-  lookup.Finish(value);
+  lookup.Finish(value, default_value...);
   return value;
 }
 

@@ -81,9 +81,9 @@ bool TracedLookup::IsPartOfLookup(const void* frame) {
   return lookup != nullptr && lookup->is_sim;
 }
 
-void TracedLookup::WriteValue(RunningLookup& lookup) {
+void TracedLookup::WriteValue(RunningLookup& lookup, bool has_source) {
   const BasicChain<MapList>& chain = lookup.chain;
-  if (chain.HasSource()) {
+  if (has_source) {
     lookup.line += " from ";
     AppendDisplayName(lookup.line, chain.maps().back().name);
   } else {
@@ -92,11 +92,11 @@ void TracedLookup::WriteValue(RunningLookup& lookup) {
   WriteLine(lookup, "; asked ");
 }
 
-void TracedLookup::CountValue(RunningLookup& lookup, const char* kind) {
+void TracedLookup::CountValue(RunningLookup& lookup, const char* kind, bool has_source) {
   const BasicChain<MapList>& chain = lookup.chain;
   TextBuffer &key = lookup.line, &value = lookup.steps;
   const std::size_t value_size = value.Text().size();
-  if (chain.HasSource()) {
+  if (has_source) {
     AppendDisplayName(value, chain.maps().back().name);
   } else if (!chain.IsRead()) {
     value += "an unknown map";

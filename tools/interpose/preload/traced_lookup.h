@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cerrno>
+#include <cmath>
 #include <string>
 #include <utility>
 
@@ -58,27 +59,40 @@ class TracedLookup {
   static bool IsPartOfLookup(const void* frame);
 
   template <class T>
-  void Finish(const T& value) {
+  void Finish(const T& value, const auto&... default_value) {
     const ErrnoKeeper errno_keeper;
     RunningLookup* const lookup = FindLookup();
     if (lookup == nullptr) return;
     const RunningLookup::InUse in_use(*lookup);
+    const bool has_source = lookup->chain.HasSource(IsDefault(value, default_value...));
     if (Mode() == TraceMode::kSummary) {
       AppendJson(lookup->steps, value);
-      CountValue(*lookup, host::ToString(host::KindOf(host::Value(std::in_place_type<T>))));
+      CountValue(*lookup, host::ToString(host::KindOf(host::Value(std::in_place_type<T>))),
+                 has_source);
     } else {
       lookup->line += " = ";
       AppendJson(lookup->line, value);
-      WriteValue(*lookup);
+      WriteValue(*lookup, has_source);
     }
   }
   void FinishSetSim();
 
  private:
+  static bool IsDefault(const auto& value) { return value.empty(); }
+  static bool IsDefault(const auto& value, const auto& default_value) {
+    return value == default_value;
+  }
+  static bool IsDefault(float value, float default_value) {
+    return value == default_value || (std::isnan(value) && std::isnan(default_value));
+  }
+  static bool IsDefault(bool value, const bool& default_value) {
+    return value == core::IsTrue(core::LowestBit(default_value));
+  }
+
   RunningLookup* FindLookup() const { return thread_ == nullptr ? nullptr : thread_->Find(frame_); }
-  static void WriteValue(RunningLookup& lookup);
+  static void WriteValue(RunningLookup& lookup, bool has_source);
   // The key is in `line`, the value in `steps`.
-  static void CountValue(RunningLookup& lookup, const char* kind);
+  static void CountValue(RunningLookup& lookup, const char* kind, bool has_source);
 
   const void* const frame_;
   // If the device makes this lookup, its call is not the one that this lookup's calls are part of.
