@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
+#include <filesystem>
 #include <map>
 #include <regex>
 #include <sstream>
@@ -236,6 +237,29 @@ TEST(Trace, ReportsAProgramThatCannotRun) {
   const std::string text = TemporaryFile("not executable", ""), error = "cadrova: can't run '";
   Expect(RunProgram(Traced({}, {"./nowhere"})), "", error + "./nowhere': " + Reason(ENOENT), 127);
   Expect(RunProgram(Traced({}, {text})), "", error + text + "': " + Reason(EACCES), 126);
+}
+
+// In an image, the command is in system/bin and the libraries are in system/lib64.
+TEST(Trace, FindsItsLibraryBesideTheLibrary) {
+  Words command = {CADROVA_COMMAND};
+  const auto build = std::filesystem::path(command.back()).parent_path().parent_path();
+  const std::string image = std::filesystem::canonical(kTemporaryFolder.path).string() + "/system";
+  const std::string libraries = image + "/lib64";
+  std::filesystem::create_directories(image + "/bin");
+  std::filesystem::copy(std::exchange(command.back(), image + "/bin/cadrova"), image + "/bin");
+  std::filesystem::copy(build / "lib", libraries);
+  const auto run = [&] {
+    return RunProgram(
+        command + Words{"trace", "--"} + command + Words{"get", "default", "int", "ring"},
+        kSettings + Words{"LD_LIBRARY_PATH=" + libraries});
+  };
+  Expect({"", WithLetters(run().err), 0}, "",
+         "A getCustIntFeature(\"ring\", 0) = 5 from DEFAULT; asked DEFAULT\n");
+  std::filesystem::remove(libraries + "/libcadrova_trace.so");
+  Expect(run(), "",
+         "cadrova: " + libraries + "/libcadrova_trace.so: " +
+             Reason(ENOENT, "; install the trace library beside the library\n"),
+         2);
 }
 
 }  // namespace

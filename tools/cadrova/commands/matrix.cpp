@@ -52,7 +52,7 @@ class Matrix : public Command {
     } else if (csv_) {
       Print(ToCsv(chains, results));
     } else if (html_) {
-      HtmlReport report(HasFakeCore() ? ListContents().file : "this device's core", fleet);
+      HtmlReport report(HasFakeCore() ? ListContents().file : "libcadrova_ffi.so", fleet);
       report.BeginFeature(query.key, query.kind);
       report.Add(*query.family, LayOut(chains, results));
       Write(report, *html_);
@@ -60,7 +60,9 @@ class Matrix : public Command {
       Print(ToText(LayOut(chains, results), fleet));
     }
     if (!results.is_stable()) {
-      PrintError("cadrova: warning: the core returned different values for the same call");
+      PrintError(
+          "cadrova: warning: the core returned different values for the same call, so a device may "
+          "get another result");
     }
     if (results.has_any()) return kSuccess;
     PrintError("cadrova: no map contains " + DisplayName(query.key) + " as " +

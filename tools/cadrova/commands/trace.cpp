@@ -30,7 +30,8 @@ std::string Inherited(int descriptor) {
 std::string TraceLibraryPath() {
   Dl_info library_info = {};
   dladdr(reinterpret_cast<const void*>(android::getIntFromRust), &library_info);
-  const auto library_path = std::filesystem::canonical(library_info.dli_fname);
+  std::error_code error;
+  const auto library_path = std::filesystem::canonical(library_info.dli_fname, error);
   const std::string path = library_path.parent_path() / "libcadrova_trace.so";
   const int library = open(path.c_str(), O_RDONLY | O_CLOEXEC);
   if (library < 0) {

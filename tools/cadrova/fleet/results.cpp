@@ -83,6 +83,7 @@ Results FleetChains::Collect(Kind kind, const std::string& key,
     if (missing.map) by_map.emplace(ids_[0].at(*missing.map), missing);
     for (const std::uint32_t id : candidates) {
       const Map& map = maps_[id];
+      if (by_map.contains(id)) continue;
       if (!CoreContains(ExistenceTestOf(kind, map.is_sim), map.name, key)) continue;
       Result result = LookUpAsIfOnlyIn(&map, query, is_stable);
       if (result.map == map.name) {
