@@ -32,7 +32,7 @@ std::string TraceLibraryPath() {
   dladdr(reinterpret_cast<const void*>(android::getIntFromRust), &library_info);
   std::error_code error;
   const auto library_path = std::filesystem::canonical(library_info.dli_fname, error);
-  const std::string path = library_path.parent_path() / "libcadrova_trace.so";
+  std::string path = library_path.parent_path() / "libcadrova_trace.so";
   const int library = open(path.c_str(), O_RDONLY | O_CLOEXEC);
   if (library < 0) {
     throw Failure(path + ": " + ErrorText() + "; install the trace library beside the library");

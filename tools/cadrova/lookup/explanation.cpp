@@ -43,12 +43,12 @@ class Explainer {
     std::vector<ConsultedMap> maps = recording_.chain.maps();
     const Chain whole = RecordWholeChain(query_);
     const std::span<const ConsultedMap> repeated = whole.maps();
-    const std::size_t consulted = std::min(maps.size(), repeated.size());
-    if (NamesOf(repeated.first(consulted)) != NamesOf(maps)) {
+    const auto rest = repeated.subspan(std::min(maps.size(), repeated.size()));
+    if (NamesOf(repeated.first(repeated.size() - rest.size())) != NamesOf(maps)) {
       Warn("the lookup consulted " + NamesOf(maps) + "; repeated, it consulted " +
            NamesOf(repeated));
     }
-    maps.insert(maps.end(), repeated.begin() + consulted, repeated.end());
+    maps.insert(maps.end(), rest.begin(), rest.end());
     return maps;
   }
 
@@ -78,7 +78,7 @@ class Explainer {
   // The library reads a scalar or a string twice, and its value is the second reading.
   void CompareReadings(const ChainEntry& last) {
     std::vector<std::string> readings = recording_.readings;
-    if (last.is_source) readings.push_back(ToJsonText(*last.value));
+    if (last.is_source && last.value) readings.push_back(ToJsonText(*last.value));
     readings.erase(std::ranges::unique(readings).begin(), readings.end());
     if (readings.size() > 1) {
       Warn("the core returned " + Join(readings, ", then ") + " from " + DisplayName(last.map));
