@@ -10,7 +10,7 @@ namespace cadrova::host {
 // The number of characters in `utf8`: of bytes that do not continue a character.
 inline std::size_t CharacterCount(std::string_view utf8) {
   return static_cast<std::size_t>(
-      std::ranges::count_if(utf8, [](char byte) { return (byte & 0xC0) != 0x80; }));
+      std::count_if(utf8.begin(), utf8.end(), [](char byte) { return (byte & 0xC0) != 0x80; }));
 }
 
 }  // namespace cadrova::host

@@ -257,8 +257,8 @@ TEST(Trace, FindsItsLibraryBesideTheLibrary) {
          "A getCustIntFeature(\"ring\", 0) = 5 from DEFAULT; asked DEFAULT\n");
   std::filesystem::remove(libraries + "/libcadrova_trace.so");
   Expect(run(), "",
-         "cadrova: " + libraries + "/libcadrova_trace.so: " +
-             Reason(ENOENT, "; install the trace library beside the library\n"),
+         "cadrova: " + libraries +
+             "/libcadrova_trace.so: " + Reason(ENOENT, "; install it beside libcadrova_cpp.so\n"),
          2);
 }
 

@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cmath>
 #include <csetjmp>
 #include <csignal>
 #include <cstdio>
@@ -222,6 +223,8 @@ int main(int, char** argv) {
     android::getCustIntArrayFeature("none");
     android::getCustMapArrayFeature("map-array");
     android::setSimCadrova("first", "second");
+    android::getCustFloatFeature("missing", NAN);
+    android::getCustStringFeature("missing", std::string("a\0b", 3));
   } else if (what == "reads-property") {
     android::base::GetProperty("unrelated", "");
     getSimCustIntFeature("ring", 1);

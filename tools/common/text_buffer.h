@@ -20,7 +20,7 @@ class TextBuffer {
 
   TextBuffer& operator+=(std::string_view more) {
     if (more.empty() || (more.size() > capacity_ - size_ && !Grow(more.size()))) return *this;
-    std::ranges::copy(more, data_ + size_);
+    std::copy(more.begin(), more.end(), data_ + size_);
     size_ += more.size();
     return *this;
   }
@@ -59,7 +59,7 @@ class TextBuffer {
     void* const memory =
         mmap(nullptr, capacity, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (memory == MAP_FAILED) return is_complete_ = false;
-    std::ranges::copy(Text(), static_cast<char*>(memory));
+    std::copy_n(data_, size_, static_cast<char*>(memory));
     Release();
     data_ = static_cast<char*>(memory);
     capacity_ = capacity;

@@ -37,7 +37,8 @@ class BasicChain {
   bool IsRead() const { return is_read_; }
 
   // Whether the value comes from a map, which is the last one. If not, and it was read, it is the
-  // default. Another value comes from a map even if the core's existence test does not find it.
+  // default. A value other than the default comes from that map even if the core's existence test
+  // does not find it there.
   bool HasSource(bool is_default) const { return is_read_ && (contains_item_ || !is_default); }
 
  private:

@@ -21,11 +21,10 @@ class Get : public Command {
   int Run() override {
     const Query query = query_.Apply();
     const Recording recording = Record(query);
+    const bool is_missing = SourceOf(recording.chain, recording.value, query) == nullptr;
     std::fwrite(recording.printed.data(), 1, recording.printed.size(), stderr);
     Print(json_ ? ToJson(recording.value) + '\n' : ToLines(recording.value));
-    if (SourceOf(recording.chain, recording.value, query) != nullptr || query.has_default) {
-      return kSuccess;
-    }
+    if (!is_missing || query.has_default) return kSuccess;
     PrintError("cadrova: no map contains " + DisplayName(query.key) + " as " +
                ToString(query.kind) + "; see cadrova explain");
     return kNegative;

@@ -42,7 +42,7 @@ void QueryOptions::DeclareOptions(Options& options) {
   options.Add("--region", region_, "CODE", "Region code (default: from the property store)");
   options.Add("--carrier", carrier_, "CODE", "Carrier code (default: from the property store)");
   options.AddRepeatable("--sim", sim_items_, "KEY=VALUE",
-                        "SIM item to set before the lookup; repeatable");
+                        "SIM item to set in the fake core; repeatable");
 }
 
 Query QueryOptions::Apply() const {

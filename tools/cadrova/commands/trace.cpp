@@ -35,7 +35,7 @@ std::string TraceLibraryPath() {
   std::string path = library_path.parent_path() / "libcadrova_trace.so";
   const int library = open(path.c_str(), O_RDONLY | O_CLOEXEC);
   if (library < 0) {
-    throw Failure(path + ": " + ErrorText() + "; install the trace library beside the library");
+    throw Failure(path + ": " + ErrorText() + "; install it beside libcadrova_cpp.so");
   }
   if (path.find_first_of(" :") == std::string::npos) return path;
   return "/proc/self/fd/" + Inherited(library);

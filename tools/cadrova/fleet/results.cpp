@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "common/json_text.h"
+#include "failure.h"
 #include "lookup/recording.h"
 #include "output/capture.h"
 #include "output/progress.h"
@@ -40,6 +41,8 @@ FleetChains::FleetChains(const Family& family, const Fleet& fleet)
       progress.Show(device, fleet_.size());
       SetCodes(device);
       const Chain chain = RecordWholeChain(query);
+      if (!chain.IsRead())
+        throw Failure("the chain is unknown: the lookup read no value from the core");
       for (const auto& [name, is_sim] : chain.maps()) {
         chains_.push_back(IdOf(name, is_sim, device));
       }

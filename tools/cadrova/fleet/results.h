@@ -37,7 +37,7 @@ class Results {
   Results(std::unordered_map<std::uint32_t, Result> by_map, Result missing, bool is_stable)
       : by_map_(std::move(by_map)), missing_(std::move(missing)), is_stable_(is_stable) {}
 
-  // Whether the core returned the same value each time that it got the same call.
+  // False if the core returned different values for the same call.
   bool is_stable() const { return is_stable_; }
 
   // Whether any map contains the feature.

@@ -29,7 +29,7 @@ class DataFile {
   std::string path_, text_;
 };
 
-// Throws a Failure if the core is not the fake one. `advice` says what to do instead.
+// Throws a Failure if the core is not the fake one. It ends with `advice`.
 host::Contents ListContents(const std::string& advice = "only the fake core can");
 
 }  // namespace cadrova::tools

@@ -28,13 +28,18 @@ class Explainer {
   void QueryChain() {
     const ConsultedMap* const source = SourceOf(recording_.chain, recording_.value, query_);
     const std::size_t consulted = recording_.chain.maps().size();
-    for (const ConsultedMap& map : WholeChain()) {
-      ChainEntry& entry = explanation_.chain.emplace_back(QueryMap(map));
-      const std::size_t position = explanation_.chain.size();
+    const std::vector<ConsultedMap> maps = WholeChain();
+    for (const ConsultedMap& map : maps) {
+      // A chain may contain a map twice.
+      const auto first = static_cast<std::size_t>(std::ranges::find(maps, map) - maps.begin());
+      const bool is_known = first < explanation_.chain.size();
+      ChainEntry entry = is_known ? explanation_.chain[first] : QueryMap(map);
+      const std::size_t position = explanation_.chain.size() + 1;
       entry.is_consulted = position <= consulted;
       entry.is_source = position == consulted && source != nullptr;
       if (entry.is_consulted) CompareExistence(entry);
       if (position == consulted) CompareReadings(entry);
+      explanation_.chain.push_back(entry);
     }
   }
 
@@ -44,9 +49,9 @@ class Explainer {
     const Chain whole = RecordWholeChain(query_);
     const std::span<const ConsultedMap> repeated = whole.maps();
     const auto rest = repeated.subspan(std::min(maps.size(), repeated.size()));
-    if (NamesOf(repeated.first(repeated.size() - rest.size())) != NamesOf(maps)) {
-      Warn("the lookup consulted " + NamesOf(maps) + "; repeated, it consulted " +
-           NamesOf(repeated));
+    const std::string names = NamesOf(repeated.first(repeated.size() - rest.size()));
+    if (names != NamesOf(maps)) {
+      Warn("the lookup consulted " + NamesOf(maps) + "; repeated, it consulted " + names);
     }
     maps.insert(maps.end(), rest.begin(), rest.end());
     return maps;
@@ -64,15 +69,16 @@ class Explainer {
     return entry;
   }
 
-  // The lookup went on after each map but the source, so it found no item there.
+  // The lookup went on after each map except the source, so it did not find the item there.
   void CompareExistence(ChainEntry& entry) {
-    const bool exists = entry.value.has_value();
-    if (exists == entry.is_source) return;
-    Warn("the core says that " + DisplayName(entry.map) +
-         (exists ? " contains " : " does not contain ") + DisplayName(query_.key) + " as " +
-         ToString(query_.kind) +
-         (exists ? ", but the lookup did not find it" : ", but the lookup found it"));
-    if (!exists) entry.value = Read(entry.map);
+    const std::string item = DisplayName(query_.key) + " as " + ToString(query_.kind) + " in " +
+                             DisplayName(entry.map) + ", but ";
+    if (entry.value && !entry.is_source) {
+      Warn("the core finds " + item + "did not find it during the lookup");
+    } else if (entry.is_source && !entry.value) {
+      Warn("the core does not find " + item + "returned it during the lookup");
+      entry.value = Read(entry.map);
+    }
   }
 
   // The library reads a scalar or a string twice, and its value is the second reading.

@@ -16,7 +16,7 @@ struct ChainEntry {
   bool is_consulted = false;  // false if an earlier map contains the item
   bool is_source = false;     // the value comes from it
   std::vector<Kind> kinds;
-  std::optional<Value> value;  // none if the map does not contain the item as the lookup's kind
+  std::optional<Value> value;  // of the lookup's kind, if the map contains it or is the source
 
   bool Contains(Kind kind) const { return std::ranges::find(kinds, kind) != kinds.end(); }
 };
@@ -25,7 +25,7 @@ struct Explanation {
   Query query;
   Recording recording;
   std::vector<ChainEntry> chain;
-  // What the core returned during the lookup, and otherwise afterwards: its data or a property has
+  // How the core's later answers differ from those during the lookup: its data or a property has
   // changed, or it contradicts itself.
   std::vector<std::string> warnings;
 

@@ -1,8 +1,12 @@
 #include "lookup/recording.h"
 
+#include <unistd.h>
+
 #include <map>
+#include <set>
 
 #include "common/json_text.h"
+#include "failure.h"
 #include "output/capture.h"
 #include "output/console.h"
 
@@ -18,7 +22,11 @@ const std::function<void(DeviceCall&)>* current_observer = nullptr;
 
 }  // namespace
 
-bool IsObserved(DeviceCall::Type, Caller, const void*) { return true; }
+// Not the calls that the core makes, or its threads.
+bool IsObserved(DeviceCall::Type, Caller caller, const void*) {
+  static thread_local const bool is_main_thread = gettid() == getpid();
+  return caller == Caller::kLibrary && is_main_thread;
+}
 
 void ObserveCall(DeviceCall& call) {
   if (call.property != nullptr) {
@@ -32,6 +40,8 @@ void ObserveCall(DeviceCall& call) {
 }
 
 void ReportNoDefinition(const char* function) {
+  static std::set<std::string> reported;
+  if (!reported.emplace(function).second) return;
   PrintError("cadrova: the core does not define " + std::string(function));
 }
 
@@ -42,6 +52,7 @@ void Observe(const std::function<void(DeviceCall&)>& observe, const std::functio
 }
 
 const ConsultedMap* SourceOf(const Chain& chain, const Value& value, const Query& query) {
+  if (!chain.IsRead()) throw Failure("the lookup read no value from the core");
   // Compared as text, so that NaN is equal to NaN.
   const bool is_default = ToJsonText(value) == ToJsonText(query.default_value);
   return chain.HasSource(is_default) ? &chain.maps().back() : nullptr;

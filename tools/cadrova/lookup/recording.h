@@ -14,11 +14,14 @@ namespace cadrova::tools {
 struct ConsultedMap {
   std::string name;
   bool is_sim;
+
+  bool operator==(const ConsultedMap&) const = default;
 };
 
 using Chain = BasicChain<std::vector<ConsultedMap>>;
 
-// The map that the lookup's value came from, or NULL if it is the default.
+// The map that the lookup's value came from, or NULL if it is the default. Throws a Failure if the
+// core does not define the function that reads the value.
 const ConsultedMap* SourceOf(const Chain& chain, const Value& value, const Query& query);
 
 // The value that the core or the property store returned, as JSON.
@@ -26,11 +29,16 @@ std::string ReturnedValue(const DeviceCall& call);
 
 struct Recording {
   Value value;
-  std::string printed;                                          // by the library
+  std::string printed;                                          // by the library and the core
   std::vector<std::pair<std::string, std::string>> properties;  // name and value, in order
   std::vector<std::string> calls;                               // to the device, in order
   Chain chain;
   std::vector<std::string> readings;  // what it read from its last map, as JSON
+
+  // What was printed, without the newline at its end.
+  std::string PrintedLine() const {
+    return printed.ends_with('\n') ? printed.substr(0, printed.size() - 1) : printed;
+  }
 };
 
 // Makes the lookup and records it. A scalar or a string is read twice; the second reading is the

@@ -19,6 +19,7 @@ void Require(bool succeeded) {
 }
 
 void RedirectStdout(int file, const std::function<void()>& action) {
+  std::fflush(stdout);  // What the core has printed before.
   const int standard_output = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0);
   Require(file >= 0 && standard_output >= 0 && dup2(file, STDOUT_FILENO) >= 0);
   action();

@@ -12,7 +12,7 @@ namespace cadrova::tools {
 
 class HtmlReport {
  public:
-  // `source` is the name of the customization file.
+  // `source` is the name of the customization file, or of the core.
   HtmlReport(std::string source, const Fleet& fleet);
 
   // Begins a feature. `Add` adds layouts to it.

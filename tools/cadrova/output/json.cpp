@@ -50,9 +50,7 @@ std::string ToJson(const Explanation& explanation) {
   json["value"] = FromValue(recording.value);
   const ChainEntry* const source = explanation.source();
   json["answered_by"] = source == nullptr ? Json() : Json(source->map);
-  const std::string& printed = recording.printed;
-  json["line"] =
-      printed.empty() ? Json() : Json(printed.substr(0, printed.find_last_not_of('\n') + 1));
+  json["line"] = recording.printed.empty() ? Json() : Json(recording.PrintedLine());
   json["properties"] = recording.properties;
   json["maps"] = Json::array();
   for (const ChainEntry& entry : chain) {

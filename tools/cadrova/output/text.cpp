@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <map>
-#include <sstream>
 #include <utility>
 
 #include "common/json_text.h"
@@ -97,13 +96,6 @@ std::string Labelled(std::string label, const std::vector<std::string>& lines) {
   return text;
 }
 
-std::vector<std::string> LinesOf(const std::string& text) {
-  std::vector<std::string> lines;
-  std::istringstream rest(text);
-  for (std::string line; std::getline(rest, line);) lines.push_back(line);
-  return lines;
-}
-
 std::vector<std::string> FirstThree(std::vector<std::string> lines) {
   constexpr std::size_t kMost = 3;
   if (lines.size() <= kMost) return lines;
@@ -125,13 +117,17 @@ std::vector<std::string> PropertyLines(const Recording& recording) {
 }  // namespace
 
 std::string ToText(const Explanation& explanation, const DataFacts* facts) {
+  std::vector<std::string> printed_lines;
+  if (!explanation.recording.printed.empty()) {
+    printed_lines = {explanation.recording.PrintedLine()};
+  }
   std::string text = Colored(Summary(explanation), kBold) + '\n';
   for (const std::string& warning : explanation.warnings) {
-    text += Colored("warning: ", kYellow) + host::Printable(warning) + '\n';
+    text += Colored("warning: ", kYellow) + warning + '\n';
   }
   text += '\n' + ChainTable(explanation) + '\n' +
           Labelled("properties", PropertyLines(explanation.recording)) +
-          Labelled("printed", LinesOf(explanation.recording.printed));
+          Labelled("printed", printed_lines);
   if (facts == nullptr) return text;
   return text + Labelled("data", {facts->file}) +
          Labelled("not in chain", FirstThree(facts->other_maps)) +

@@ -56,7 +56,7 @@ class List {
       void* const memory = Allocate(sizeof(Node) + name.size());
       if (memory == nullptr) return nullptr;
       auto* const own_name = static_cast<char*>(memory) + sizeof(Node);
-      std::ranges::copy(name, own_name);
+      name.copy(own_name, name.size());
       auto* const node = new (memory) Node{first, {own_name, name.size()}, values...};
       Node* expected = first;
       if (first_.compare_exchange_strong(expected, node)) return node;

@@ -79,11 +79,15 @@ class TracedLookup {
 
  private:
   static bool IsDefault(const auto& value) { return value.empty(); }
-  static bool IsDefault(const auto& value, const auto& default_value) {
-    return value == default_value;
-  }
+  static bool IsDefault(int value, int default_value) { return value == default_value; }
   static bool IsDefault(float value, float default_value) {
-    return value == default_value || (std::isnan(value) && std::isnan(default_value));
+    return std::isnan(value)
+               ? std::isnan(default_value)
+               : value == default_value && std::signbit(value) == std::signbit(default_value);
+  }
+  // The core returns a string up to its first NUL.
+  static bool IsDefault(const std::string& value, const std::string& default_value) {
+    return value == default_value.c_str();
   }
   static bool IsDefault(bool value, const bool& default_value) {
     return value == core::IsTrue(core::LowestBit(default_value));
