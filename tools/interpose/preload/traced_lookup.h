@@ -3,6 +3,7 @@
 
 #include <cerrno>
 #include <cmath>
+#include <cstring>
 #include <string>
 #include <utility>
 
@@ -87,7 +88,7 @@ class TracedLookup {
   }
   // The core returns a string up to its first NUL.
   static bool IsDefault(const std::string& value, const std::string& default_value) {
-    return value == default_value.c_str();
+    return std::strcmp(value.c_str(), default_value.c_str()) == 0;
   }
   static bool IsDefault(bool value, const bool& default_value) {
     return value == core::IsTrue(core::LowestBit(default_value));
