@@ -1,11 +1,10 @@
-// Cores that are not the fake one, so they can neither list their contents nor load files. A macro
-// selects the one that is compiled:
+// Cores that are not the fake one, so they can neither list their contents nor load files. They
+// read no floats. The macro CORE selects one:
 //
-//   CORE_STEADY    returns what it contains
-//   CORE_CHANGING  returns something else each time, and moves the device to another region
-//   CORE_ODD       has unusual Booleans and lists, prints, and finds less than it returns
-//   CORE_BUSY      is the steady core, and has a thread that reads properties and makes lookups
-//   CORE_PARTIAL   is the steady core without the functions for ints
+//   steady     returns what it contains
+//   changing   returns something else each time, and moves the device to another region
+//   odd        has unusual Booleans and lists, prints, and finds less than it returns
+//   busy       is the steady core with a thread that reads properties and makes lookups
 
 #include <android-base/properties.h>
 
@@ -28,65 +27,49 @@
 
 namespace {
 
-#ifdef CORE_CHANGING
-constexpr bool kIsChanging = true;
-#else
-constexpr bool kIsChanging = false;
-#endif
-#ifdef CORE_ODD
-constexpr bool kIsOdd = true;
-#else
-constexpr bool kIsOdd = false;
-#endif
+enum { steady, changing, odd, busy };
+constexpr bool kIsChanging = CORE == changing, kIsOdd = CORE == odd;
 
 struct StringArray;
 struct IntArray;
 struct MapArray;
 
 // How often a changing core got this call.
-[[maybe_unused]] int Calls(const std::string& call) {
+int Calls(const std::string& call) {
   static std::map<std::string, int> calls;
   return kIsChanging ? calls[call]++ : 0;
 }
 
-#ifdef CORE_BUSY
-class BusyThread {
- public:
+struct BusyThread {
   ~BusyThread() {
-    is_over_ = true;
-    thread_.join();
+    is_over = true;
+    thread.join();
   }
-
- private:
-  std::atomic<bool> is_over_ = false;
-  std::thread thread_ = std::thread([this] {
-    while (!is_over_) {
+  std::atomic<bool> is_over = false;
+  std::thread thread = std::thread([this] {
+    while (!is_over) {
       android::base::GetProperty("ro.core", "");
       android::getCustIntFeature("core", 1);
     }
   });
 };
-#endif
+
+bool Contains(const std::string& map, const std::string& key, bool is_int, bool is_list) {
+  if (CORE == busy) static const BusyThread thread;
+  if (kIsChanging && key == "moved") android::base::SetProperty("ro.orvel.region", "EU");
+  if (is_int && key == "ring") return map == "SIM_X1" || map == "COTA_X1" || map == "DEFAULT";
+  if (is_int && (key == "first" || key == "later"))
+    return (Calls(key + map) == 0) == (key == "first");
+  return is_list && key == "list" && map == "COTA_X1";
+}
 
 template <class T>
 cadrova_core_bool Exists(const std::string& map, const std::string& key) {
-  constexpr bool is_list = !std::is_arithmetic_v<T> && !std::is_same_v<T, std::string>;
-  bool exists = false;
-#ifdef CORE_BUSY
-  static BusyThread busy_thread;
-#endif
-  if constexpr (std::is_same_v<T, std::int32_t>) {
-    if (kIsChanging && key == "moved") android::base::SetProperty("ro.orvel.region", "EU");
-    if (key == "ring") exists = map == "SIM_X1" || map == "COTA_X1" || map == "DEFAULT";
-    if (key == "first") exists = Calls(key + map) == 0;
-    if (key == "later") exists = Calls(key + map) != 0;
-  } else if constexpr (std::is_same_v<T, bool>) {
-    exists = key == "on";
-  } else if constexpr (std::is_same_v<T, std::string>) {
-    exists = key == "name" && (map == "EU" || map == "DEFAULT");
-  } else if constexpr (is_list) {
-    exists = key == "list" && map == "COTA_X1";
-  }
+  constexpr bool is_bool = std::is_same_v<T, bool>, is_string = std::is_same_v<T, std::string>;
+  constexpr bool is_list = !std::is_arithmetic_v<T> && !is_string;
+  const bool exists = (is_bool && key == "on") ||
+                      (is_string && key == "name" && map != "COTA_X1") ||
+                      Contains(map, key, std::is_same_v<T, std::int32_t>, is_list);
   return exists ? (kIsOdd ? 3 : 1) : (kIsOdd ? 254 : 0);
 }
 
@@ -96,21 +79,7 @@ cadrova_core_bool Exists(const std::string& map, const std::string& key) {
   cadrova_core_bool function(const std::string& map, const std::string& key) { \
     return Exists<Type>(map, key);                                             \
   }
-#ifdef CORE_PARTIAL
-TEST(get_bool_item_exist, bool)
-#else
 CADROVA_EXISTENCE_TESTS(TEST, TEST)
-
-// From a changing core, less each time: 600, 599, ...
-std::int32_t get_int_from_map(const std::string& map, const std::string& key,
-                              std::int32_t default_value) {
-  if (kIsOdd && key == "name") return 13;  // converted
-  if (key == "ring" || key == "first") {
-    return static_cast<std::int32_t>(100 * map.size()) - Calls(map);
-  }
-  return key == "fades" && Calls(map) == 0 ? 5 : default_value;
-}
-#endif
 
 cadrova_core_bool get_bool_from_map(const std::string&, const std::string& key,
                                     cadrova_core_bool default_value) {
@@ -118,8 +87,13 @@ cadrova_core_bool get_bool_from_map(const std::string&, const std::string& key,
   return key == "on" ? (kIsOdd ? 3 : 1) : default_value;
 }
 
-float get_float_from_map(const std::string&, const std::string&, float default_value) {
-  return default_value;
+// From a changing core, less each time: 600, 599, ...
+std::int32_t get_int_from_map(const std::string& map, const std::string& key,
+                              std::int32_t default_value) {
+  if (kIsOdd && key == "name") return 13;  // converted
+  if (key == "fades") return Calls(map) == 0 ? 5 : default_value;
+  const auto value = static_cast<std::int32_t>(100 * map.size());
+  return key == "ring" || key == "first" ? value - Calls(map) : default_value;
 }
 
 char* get_str_from_map(const std::string&, const std::string& key,
@@ -135,10 +109,11 @@ std::int32_t* get_int_arr_from_map(const std::string&, const std::string& key) {
   return block;
 }
 
+// A key without a value.
 char** get_map_arr_from_map(const std::string&, const std::string&) {
   static char key[] = "key";
   auto** const block = static_cast<char**>(std::calloc(2, sizeof(char*)));
-  *block = key;  // without a value
+  *block = key;
   return block;
 }
 
