@@ -14,6 +14,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <map>
+#include <new>
 #include <string>
 #include <thread>
 #include <type_traits>
@@ -54,22 +55,21 @@ struct BusyThread {
   });
 };
 
-bool Contains(const std::string& map, const std::string& key, bool is_int, bool is_list) {
-  if (CORE == busy) static const BusyThread thread;
-  if (kIsChanging && key == "moved") android::base::SetProperty("ro.orvel.region", "EU");
-  if (is_int && key == "ring") return map == "SIM_X1" || map == "COTA_X1" || map == "DEFAULT";
-  if (is_int && (key == "first" || key == "later"))
-    return (Calls(key + map) == 0) == (key == "first");
-  return is_list && key == "list" && map == "COTA_X1";
-}
-
 template <class T>
 cadrova_core_bool Exists(const std::string& map, const std::string& key) {
-  constexpr bool is_bool = std::is_same_v<T, bool>, is_string = std::is_same_v<T, std::string>;
-  constexpr bool is_list = !std::is_arithmetic_v<T> && !is_string;
-  const bool exists = (is_bool && key == "on") ||
-                      (is_string && key == "name" && map != "COTA_X1") ||
-                      Contains(map, key, std::is_same_v<T, std::int32_t>, is_list);
+  if (CORE == busy) static const BusyThread thread;
+  if (kIsChanging && key == "moved") android::base::SetProperty("ro.orvel.region", "EU");
+  bool exists = false;
+  if constexpr (std::is_same_v<T, bool>) {
+    exists = key == "on";
+  } else if constexpr (std::is_same_v<T, std::string>) {
+    exists = key == "name" && map != "COTA_X1";
+  } else if constexpr (std::is_same_v<T, std::int32_t>) {
+    exists = (key == "ring" && (map == "SIM_X1" || map == "COTA_X1" || map == "DEFAULT")) ||
+             (key == "first" && Calls(key + map) == 0) || (key == "later" && Calls(key + map) != 0);
+  } else {
+    exists = !std::is_same_v<T, float> && key == "list" && map == "COTA_X1";
+  }
   return exists ? (kIsOdd ? 3 : 1) : (kIsOdd ? 254 : 0);
 }
 
@@ -96,25 +96,16 @@ std::int32_t get_int_from_map(const std::string& map, const std::string& key,
   return key == "ring" || key == "first" ? value - Calls(map) : default_value;
 }
 
-char* get_str_from_map(const std::string&, const std::string& key,
-                       const std::string& default_value) {
-  return strdup(key == "name" ? "Ada" : default_value.c_str());
+char* get_str_from_map(const std::string&, const std::string&, const std::string& default_value) {
+  return strdup(default_value.c_str());
 }
 
 char** get_str_arr_from_map(const std::string&, const std::string&) { return nullptr; }
+char** get_map_arr_from_map(const std::string&, const std::string&) { return nullptr; }
 
 std::int32_t* get_int_arr_from_map(const std::string&, const std::string& key) {
-  auto* const block = static_cast<std::int32_t*>(std::calloc(2, sizeof(std::int32_t)));
-  *block = key == "name" ? 1 : -1;
-  return block;
-}
-
-// A key without a value.
-char** get_map_arr_from_map(const std::string&, const std::string&) {
-  static char key[] = "key";
-  auto** const block = static_cast<char**>(std::calloc(2, sizeof(char*)));
-  *block = key;
-  return block;
+  if (key != "name") return nullptr;
+  return new (std::malloc(2 * sizeof(std::int32_t))) std::int32_t[]{1, 0};
 }
 
 void cxx_sim_set_the_cadrova(const std::string&, const std::string&, const std::string&) {
