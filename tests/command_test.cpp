@@ -200,43 +200,21 @@ TEST(Data, WithAnErrorIsExplainedAndReported) {
   }
 }
 
-// Over cores that are not the fake one, the command prints only what these return.
+// Over cores that are not the fake one, the command prints only what these return. Runs the
+// commands in the golden file, each over the core before the "$".
 TEST(OtherCore, IsDescribedAsItIs) {
-  const std::string device = "|--region|EU|--carrier|X1", codes = "|--regions|,EU|--carriers|,X1";
-  // clang-format off
-  const Words of_each = {
-      "get|sim|int|ring" + device, "explain|sim|int|ring" + device, "explain|sim|int|ring|--json" + device,
-      "explain|sim|int|ring|--steps" + device, "matrix|sim|int|ring" + codes, "trace|--|cadrova|get|sim|int|ring" + device};
-  const std::pair<std::string, Words> cores[] = {
-      {"steady", of_each + Words{
-          "explain|carrier-region|bool|name" + device, "explain|default|int|nope|7",
-          "matrix|region|int|nope|--csv" + codes, "matrix|region|int|ring", "matrix|--html|page", "list", "check", "check|new.toml" + codes,
-          "diff|old.toml|new.toml", "get|sim|int|ring|--data|new.toml", "get|sim|int|ring|--sim|ring=1", "get|sim|int|ring|--sim|ring=1|--region|EU",
-          "trace|--|cadrova|get|region|float|ring"}},
-      {"changing", of_each + Words{
-          "explain|carrier|int|first|--carrier|X 1", "explain|carrier|int|later|--carrier|X 1", "explain|carrier|int|later|--json",
-          "explain|default|int|fades", "explain|region|int|moved", "matrix|carrier|int|first" + codes, "explain|sim|int|first|--region|DEFAULT"}},
-      {"odd", of_each + Words{
-          "explain|region|bool|on|--steps" + device, "explain|region|bool|on|--json" + device, "explain|carrier|string-array|list" + device,
-          "explain|carrier|int-array|list" + device, "explain|carrier|map-array|list|--json" + device, "get|default|int|name",
-          "explain|default|int|name", "matrix|region|int|name" + codes, "trace|--|cadrova|get|default|int|name", "trace|--|cadrova|get|default|int|name|13",
-          "trace|--|cadrova|get|default|int-array|name", "trace|--summary|--|cadrova|get|default|int|name"}},
-      {"busy", {"explain|sim|int|ring|--steps" + device, "explain|region|bool|on|--json" + device, "matrix|sim|int|ring" + codes}}};
-  // clang-format on
+  std::istringstream golden(FileContents(CADROVA_SOURCES "/tests/golden/other_cores.txt"));
   std::string text;
-  for (const auto& [core, lines] : cores) {
-    for (const std::string& line : lines) {
-      const auto [out, err, status] = Cadrova(line, "LD_LIBRARY_PATH=" CADROVA_CORES + core);
-      text += core + ": cadrova " + std::regex_replace(line, std::regex("\\|"), " ") + '\n' + out +
-              err + "status " + std::to_string(status) + "\n\n";
-    }
+  for (std::string line; std::getline(golden, line);) {
+    std::smatch command;
+    if (!std::regex_match(line, command, std::regex("([a-z]+)\\$ cadrova (.*)"))) continue;
+    const auto [out, err, status] =
+        Cadrova(std::regex_replace(command[2].str(), std::regex(" "), "|"),
+                "LD_LIBRARY_PATH=" CADROVA_CORES + command[1].str());
+    text += line + '\n' + out + err + "status " + std::to_string(status) + "\n\n";
   }
   text = std::regex_replace(text, std::regex("(^|\n)[0-9]+ (?=get|lookup)"), "$1PID ");
   ExpectGolden(text, "other_cores.txt");
-  const auto page = Cadrova("matrix|sim|int|ring|--html|/dev/stdout" + codes,
-                            "LD_LIBRARY_PATH=" CADROVA_CORES "steady")
-                        .out;
-  EXPECT_NE(page.find("<b>libcadrova_ffi.so</b>"), std::string::npos);
 }
 
 TEST(Check, ReportsFindingsInTheOrderOfTheFile) {
