@@ -68,7 +68,8 @@ cadrova_core_bool Exists(const std::string& map, const std::string& key) {
     exists = (key == "ring" && (map == "SIM_X1" || map == "COTA_X1" || map == "DEFAULT")) ||
              (key == "first" && Calls(key + map) == 0) || (key == "later" && Calls(key + map) != 0);
   } else {
-    exists = !std::is_same_v<T, float> && key == "list" && map == "COTA_X1";
+    exists = !std::is_same_v<T, float> && map == "COTA_X1" &&
+             (key == "list" || (key == "once" && Calls(key + map) == 1));
   }
   return exists ? (kIsOdd ? 3 : 1) : (kIsOdd ? 254 : 0);
 }
