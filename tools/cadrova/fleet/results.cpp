@@ -41,8 +41,7 @@ FleetChains::FleetChains(const Family& family, const Fleet& fleet)
       progress.Show(device, fleet_.size());
       SetCodes(device);
       const Chain chain = RecordWholeChain(query);
-      if (!chain.IsRead())
-        throw Failure("the chain is unknown: the lookup read no value from the core");
+      if (!chain.IsRead()) throw Failure("the chain is unknown: no value was read from the core");
       for (const auto& [name, is_sim] : chain.maps()) {
         chains_.push_back(IdOf(name, is_sim, device));
       }
