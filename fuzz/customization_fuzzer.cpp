@@ -12,8 +12,8 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
   using namespace cadrova::host;
   const std::string text(reinterpret_cast<const char*>(bytes), size);
-  Store store;
-  const std::vector<Error> errors = ReadToml(text, "f", store);
+  const auto [data, errors] = ParseData(text, "f");
+  if ((data == nullptr) == errors.empty()) std::abort();
   Place last;
   for (const Error& error : errors) {
     const auto [line, column] = error.place;
@@ -22,11 +22,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     if (line < last.line || (line == last.line && column < last.column)) std::abort();
     last = error.place;
   }
-  Contents contents;
-  store.AppendTo(contents);
-  for (const Contents::Item& item : contents.items) {
-    const Store::Item* found = store.Find(item.map, item.key);
+  std::vector<Contents::Item> items;
+  if (data != nullptr) data->store.AppendItems(items);
+  for (const Contents::Item& item : items) {
+    const Store::Item* found = data->store.Find(item.map, item.key);
     if (found == nullptr || !(found->place == item.place) || item.place.line == 0) std::abort();
+    if (!data->store.Maps().contains(item.map)) std::abort();
   }
   const StoredValue value = SimValueFromText(text);
   const auto* string = As<std::string>(value);

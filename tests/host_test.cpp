@@ -15,6 +15,7 @@
 #include <thread>
 
 #include "cadrova/cadrova.h"
+#include "core/for_command.h"
 #include "existence_tests.h"
 #include "files.h"
 #include "parser_core.h"
@@ -144,6 +145,58 @@ TEST_F(Kit, SetsItemsUntilTheNextLoadAndListsWhatLookupsFind) {
   EXPECT_EQ(LoadText("[b]"), kNoErrors);
   ClearSim();
   expect_list("b 1:2\n");
+}
+
+TEST_F(Kit, SwitchesBetweenParsedFiles) {
+  const auto int_of_a = [] { return getIntFromRust("A", "int", 0); };
+  const auto one = ParseData("A.int = 1\n[Z]\n", "one").data, two = ParseData("A.int = 2", "").data;
+  EXPECT_EQ(int_of_a(), 0) << "parsing does not change the data";
+  UseData(one);
+  EXPECT_EQ(int_of_a(), 1);
+  cxx_sim_set_the_cadrova("B", "k", "1");
+  Set("A", "int", 3);
+  Set("M", "k", 3);
+  UseData(two);
+  EXPECT_EQ(int_of_a(), 2);
+  EXPECT_EQ(ListMapNames(), (std::vector<std::string>{"A", "SIM_B"}));
+  UseData(one);
+  EXPECT_EQ(int_of_a(), 3);
+  EXPECT_EQ(List().file, "one");
+  EXPECT_EQ(ListMapNames(), (std::vector<std::string>{"A", "M", "SIM_B", "Z"}));
+  const ParsedFile bad = ParseData("x = 1\ny = 2\n", "bad");
+  EXPECT_EQ(bad.data, nullptr);
+  EXPECT_EQ(bad.errors.size(), 2U);
+  UseData(nullptr);
+  EXPECT_EQ(List().file, kData);
+}
+
+std::string Text(const TomlNode& node) {
+  std::ostringstream text;
+  text << node.place.line << ':' << node.place.column << ' ';
+  if (const auto* boolean = std::get_if<bool>(&node.value)) text << std::boolalpha << *boolean;
+  if (const auto* integer = std::get_if<std::int64_t>(&node.value)) text << *integer;
+  if (const auto* string = std::get_if<std::string>(&node.value)) text << *string;
+  if (const auto* array = std::get_if<TomlNode::Array>(&node.value)) {
+    text << "[ ";
+    for (const TomlNode& element : *array) text << Text(element) << ' ';
+    text << ']';
+  }
+  if (const auto* table = std::get_if<TomlNode::Table>(&node.value)) {
+    text << "{ ";
+    for (const auto& [name, member] : *table) text << name << ' ' << Text(member) << ' ';
+    text << '}';
+  }
+  return text.str();
+}
+
+TEST_F(Kit, ParsesTomlInItsOrder) {
+  const std::string toml =
+      "z = 3000000000\r\n\t'é b'.c = [true,\n 's']\n[y]\nf = 1.5\n[[x]]\n[[x]]\nk = {d = "
+      "1979-05-27}\n[y.a]";
+  EXPECT_EQ(Text(std::get<TomlNode>(ParseToml(toml, "f"))),
+            "1:1 { z 1:1 3000000000 é b 2:2 { c 2:8 [ 2:13 true 3:2 s ] } "
+            "y 4:2 { f 5:1  a 9:4 { } } x 6:3 [ 6:1 { } 7:1 { k 8:1 { d 8:6  } } ] }");
+  EXPECT_EQ(ToString(std::get<Error>(ParseToml("x = 1\n\"", "f"))).substr(0, 6), "f:2:2:");
 }
 
 TEST_F(FakeCore, FindsAnItemOnlyAsItsKindAndInItsMap) {

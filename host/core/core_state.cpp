@@ -36,29 +36,39 @@ CoreState::CoreState() {
                  [] { Instance().mutex_.unlock(); });
 }
 
-std::vector<Error> CoreState::LoadFile(const std::string& path) {
-  auto file = std::make_unique<File>(path);
-  std::vector<Error> errors = ReadTomlFile(path, file->store);
-  if (errors.empty()) Use(std::move(file));
-  return errors;
-}
-
-std::vector<Error> CoreState::LoadText(const std::string& toml) {
-  auto file = std::make_unique<File>("<text>");
-  std::vector<Error> errors = ReadToml(toml, file->name, file->store);
-  if (errors.empty()) Use(std::move(file));
-  return errors;
+std::vector<Error> CoreState::Load(ParsedFile file) {
+  if (file.errors.empty()) Use(std::move(file.data));
+  return std::move(file.errors);
 }
 
 void CoreState::SetItem(const std::string& map, const std::string& key, StoredValue value) {
   GetFile();
+  owned_->store.AddMap(map);
   owned_->store.Set(map, key, std::move(value));
 }
 
-const CoreState::File& CoreState::LoadDefault() {
+std::map<std::string, Place> CoreState::ListMaps() {
+  std::map<std::string, Place> maps = GetFile().store.Maps();
+  const std::lock_guard lock(mutex_);
+  maps.insert(sim_.Maps().begin(), sim_.Maps().end());
+  return maps;
+}
+
+std::vector<Contents::Item> CoreState::ListItems() {
+  const LoadedFile& file = GetFile();
+  std::vector<Contents::Item> items;
+  {
+    const std::lock_guard lock(mutex_);
+    sim_.AppendItems(items);
+  }
+  file.store.AppendItems(items);
+  return items;
+}
+
+const LoadedFile& CoreState::LoadDefault() {
   const std::lock_guard lock(mutex_);
   if (owned_ == nullptr) {
-    std::vector<Error> errors = LoadFile(DefaultPath());
+    std::vector<Error> errors = Load(ParseFile(DefaultPath()));
     if (!errors.empty()) {
       Error& first = errors.front();
       if (first.place.line == 0) first.reason += "; name another file with CADROVA_HOST_DATA";
@@ -68,7 +78,7 @@ const CoreState::File& CoreState::LoadDefault() {
   return *owned_;
 }
 
-void CoreState::Use(std::unique_ptr<File> file) {
+void CoreState::Use(std::shared_ptr<LoadedFile> file) {
   file_.store(file.get(), std::memory_order_release);
   owned_ = std::move(file);
 }

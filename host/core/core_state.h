@@ -2,6 +2,7 @@
 #pragma once
 
 #include <atomic>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -9,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "for_command.h"
 #include "store.h"
 
 namespace cadrova::host {
@@ -17,11 +19,6 @@ namespace cadrova::host {
 // changes only while no lookup runs, so lookups read it without a lock.
 class CoreState {
  public:
-  struct File {
-    std::string name;
-    Store store;
-  };
-
   // Never destroyed: threads may still make lookups while the process exits.
   static CoreState& Instance() {
     static CoreState& state = *new CoreState;
@@ -44,41 +41,42 @@ class CoreState {
   }
 
   // The loaded file. If there is none, loads the default file first.
-  const File& GetFile() {
-    const File* file = file_.load(std::memory_order_acquire);
+  const LoadedFile& GetFile() {
+    const LoadedFile* file = file_.load(std::memory_order_acquire);
     return file != nullptr ? *file : LoadDefault();
   }
 
-  // Both return the errors in the document. If there are any, the data does not change.
-  std::vector<Error> LoadFile(const std::string& path);
-  std::vector<Error> LoadText(const std::string& toml);
+  // Returns the errors of `file`. If there are any, the data does not change.
+  std::vector<Error> Load(ParsedFile file);
+  // The data of `file` from now on. If it is NULL, the next call that needs data loads the default
+  // file.
+  void Use(std::shared_ptr<LoadedFile> file);
   void SetItem(const std::string& map, const std::string& key, StoredValue value);
-  void Unload() { Use(nullptr); }
 
   void SetSimItem(const std::string& map, const std::string& key, StoredValue value) {
     const std::lock_guard lock(mutex_);
+    sim_.AddMap(map);
     sim_.Set(map, key, std::move(value));
   }
   void ClearSim() {
     const std::lock_guard lock(mutex_);
     sim_ = Store();
   }
-  void AppendSimTo(Contents& contents) {
-    const std::lock_guard lock(mutex_);
-    sim_.AppendTo(contents);
-  }
+  // The places of all maps by their names.
+  std::map<std::string, Place> ListMaps();
+  // SIM items first. An item of the file that a SIM item replaces is listed, too.
+  std::vector<Contents::Item> ListItems();
 
  private:
   CoreState();
-  const File& LoadDefault();
-  void Use(std::unique_ptr<File> file);
+  const LoadedFile& LoadDefault();
 
   // Guards `sim_`, and `LoadDefault` against itself. Not a shared_mutex: with libstdc++, a child of
   // `fork` can't unlock one that its parent has locked.
   std::mutex mutex_;
   Store sim_;
-  std::unique_ptr<File> owned_;
-  std::atomic<const File*> file_ = nullptr;  // The same pointer as `owned_`, for lookups.
+  std::shared_ptr<LoadedFile> owned_;
+  std::atomic<const LoadedFile*> file_ = nullptr;  // The same pointer as `owned_`, for lookups.
 };
 
 }  // namespace cadrova::host

@@ -1,38 +1,28 @@
-// The functions of the test kit, except `ClearProperties`.
+// The functions of the test kit, except `ClearProperties`, and those for the command.
 
 #include <android-base/properties.h>
 
-#include <ranges>
-#include <set>
+#include <algorithm>
 #include <tuple>
 #include <utility>
 #include <variant>
 
 #include "cadrova/host.h"
 #include "core_state.h"
+#include "for_command.h"
+#include "toml_reader.h"
 
 namespace cadrova::host {
-namespace {
-
-// Sorts `list` by `id`. Of several elements with the same id, only the first remains.
-void SortUnique(auto& list, auto id) {
-  const auto is_before = [&](const auto& one, const auto& other) { return id(one) < id(other); };
-  std::set<std::ranges::range_value_t<decltype(list)>, decltype(is_before)> sorted(is_before);
-  for (auto& element : list) sorted.insert(std::move(element));
-  list.assign(sorted.begin(), sorted.end());
-}
-
-}  // namespace
 
 // Everything else in this library is hidden.
 #pragma GCC visibility push(default)
 
 std::vector<Error> LoadFile(const std::string& path) {
-  return CoreState::Instance().LoadFile(path);
+  return CoreState::Instance().Load(ParseFile(path));
 }
 
 std::vector<Error> LoadText(const std::string& toml) {
-  return CoreState::Instance().LoadText(toml);
+  return CoreState::Instance().Load(ParseData(toml, "<text>"));
 }
 
 void Set(const std::string& map, const std::string& key, Value value) {
@@ -42,17 +32,13 @@ void Set(const std::string& map, const std::string& key, Value value) {
 
 Contents List() {
   CoreState& state = CoreState::Instance();
-  const CoreState::File& file = state.GetFile();
-  Contents contents;
-  contents.file = file.name;
-  // SIM data that was set comes first, so it is listed instead of items of the file.
-  state.AppendSimTo(contents);
-  file.store.AppendTo(contents);
-  for (const Contents::Item& item : contents.items) {
-    if (item.place == Place{}) contents.maps.push_back({item.map, {}});
-  }
-  SortUnique(contents.maps, [](const auto& map) { return std::tie(map.name); });
-  SortUnique(contents.items, [](const auto& item) { return std::tie(item.map, item.key); });
+  Contents contents = {state.GetFile().name, {}, state.ListItems()};
+  for (const auto& [name, place] : state.ListMaps()) contents.maps.push_back({name, place});
+  const auto id = [](const Contents::Item& item) { return std::tie(item.map, item.key); };
+  std::ranges::stable_sort(contents.items, {}, id);
+  // SIM data that was set is listed instead of items of the file.
+  const auto replaced = std::ranges::unique(contents.items, {}, id);
+  contents.items.erase(replaced.begin(), replaced.end());
   return contents;
 }
 
@@ -64,9 +50,17 @@ void SetDevice(const std::string& region, const std::string& carrier) {
 void ClearSim() { CoreState::Instance().ClearSim(); }
 
 void Reset() {
-  CoreState::Instance().Unload();
+  CoreState::Instance().Use(nullptr);
   ClearSim();
   ClearProperties();
+}
+
+void UseData(std::shared_ptr<LoadedFile> data) { CoreState::Instance().Use(std::move(data)); }
+
+std::vector<std::string> ListMapNames() {
+  std::vector<std::string> names;
+  for (const auto& [name, place] : CoreState::Instance().ListMaps()) names.push_back(name);
+  return names;
 }
 
 #pragma GCC visibility pop

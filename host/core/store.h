@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <map>
 #include <string>
 #include <string_view>
 #include <tuple>
@@ -57,15 +58,19 @@ class Store {
     return found == items_.end() ? nullptr : &found->second;
   }
 
+  // `map` must have been added.
   void Set(const std::string& map, const std::string& key, StoredValue value, Place place = {}) {
     items_.insert_or_assign({map, key}, Item{std::move(value), place});
   }
 
-  // Lists `map` even if it contains no item.
-  void AddMap(const std::string& map, Place place) { maps_.push_back({map, place}); }
+  // Adds `map`, without items, if there is none of this name.
+  void AddMap(const std::string& map, Place place = {}) { maps_.try_emplace(map, place); }
 
-  // Appends the added maps and all items to `contents`, in any order.
-  void AppendTo(Contents& contents) const;
+  // The places of all maps by their names.
+  const std::map<std::string, Place>& Maps() const { return maps_; }
+
+  // Appends all items to `items`, in any order.
+  void AppendItems(std::vector<Contents::Item>& items) const;
 
  private:
   template <class String>
@@ -87,10 +92,16 @@ class Store {
     }
   };
 
-  std::vector<Contents::Map> maps_;
+  std::map<std::string, Place> maps_;
   // The number of buckets is a power of two, also after the table grows. For such a number, libc++
   // finds a bucket without a division.
   std::unordered_map<Id<std::string>, Item, Hash, Equal> items_{1024};
+};
+
+// The data of a customization file.
+struct LoadedFile {
+  std::string name;
+  Store store;
 };
 
 }  // namespace cadrova::host

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <memory>
 #include <optional>
 #include <tuple>
 #include <utility>
@@ -30,6 +31,28 @@ Place BeginOf(const toml::source_region& source) {
 
 bool IsBefore(const Place& one, const Place& other) {
   return std::pair(one.line, one.column) < std::pair(other.line, other.column);
+}
+
+TomlNode ToNode(const toml::node& node, const Place& place) {
+  TomlNode result = {place, {}};
+  if (const auto* boolean = node.as_boolean()) result.value = boolean->get();
+  if (const auto* integer = node.as_integer()) result.value = integer->get();
+  if (const auto* string = node.as_string()) result.value = string->get();
+  if (const auto* array = node.as_array()) {
+    auto& elements = result.value.emplace<TomlNode::Array>();
+    for (const toml::node& element : *array) {
+      elements.push_back(ToNode(element, BeginOf(element.source())));
+    }
+  }
+  if (const auto* table = node.as_table()) {
+    auto& members = result.value.emplace<TomlNode::Table>();
+    for (const auto& [name, member] : *table) {
+      members.emplace_back(name.str(), ToNode(member, BeginOf(name.source())));
+    }
+    // toml++ sorts by name.
+    std::ranges::sort(members, IsBefore, [](const auto& member) { return member.second.place; });
+  }
+  return result;
 }
 
 // Reads one document and collects the errors in it.
@@ -180,16 +203,25 @@ class Reader {
 
 }  // namespace
 
-std::vector<Error> ReadToml(std::string_view toml, const std::string& file, Store& store) {
-  Reader reader(file);
-  if (const auto document = reader.Parse(toml)) reader.ReadMaps(*document, store);
-  return reader.TakeErrors();
+ParsedFile ParseData(std::string_view toml, const std::string& name) {
+  auto data = std::make_shared<LoadedFile>(name, Store());
+  Reader reader(name);
+  if (const auto document = reader.Parse(toml)) reader.ReadMaps(*document, data->store);
+  std::vector<Error> errors = reader.TakeErrors();
+  if (!errors.empty()) data = nullptr;
+  return {std::move(data), std::move(errors)};
 }
 
-std::vector<Error> ReadTomlFile(const std::string& path, Store& store) {
+ParsedFile ParseFile(const std::string& path) {
   auto contents = ReadFile(path);
-  if (auto* error = std::get_if<Error>(&contents)) return {std::move(*error)};
-  return ReadToml(std::get<std::string>(contents), path, store);
+  if (auto* error = std::get_if<Error>(&contents)) return {nullptr, {std::move(*error)}};
+  return ParseData(std::get<std::string>(contents), path);
+}
+
+std::variant<TomlNode, Error> ParseToml(std::string_view toml, const std::string& name) {
+  Reader reader(name);
+  if (const auto document = reader.Parse(toml)) return ToNode(*document, {1, 1});
+  return std::move(reader.TakeErrors().front());
 }
 
 StoredValue SimValueFromText(const std::string& text) {
