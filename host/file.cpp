@@ -42,6 +42,15 @@ std::string Printable(std::string_view text) {
   return printable;
 }
 
+Error FirstOf(const std::vector<Error>& errors) {
+  Error first = errors.front();
+  const std::size_t others = errors.size() - 1;
+  if (others > 0) {
+    first.reason += "; " + std::to_string(others) + (others == 1 ? " more error" : " more errors");
+  }
+  return first;
+}
+
 void ExitWith(const Error& error) {
   std::fflush(stdout);
   std::fprintf(stderr, "%s\n", Printable(ToString(error)).c_str());

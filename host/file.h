@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 #include <variant>
+#include <vector>
 
 #include "cadrova/host.h"
 
@@ -14,6 +15,9 @@ std::variant<std::string, Error> ReadFile(const std::string& path);
 
 // `text` with a `?` for each control character, so that a message is one line.
 std::string Printable(std::string_view text);
+
+// The first of `errors`, with the number of the others in its reason.
+Error FirstOf(const std::vector<Error>& errors);
 
 // Flushes standard output, prints the error to standard error, and ends the process with status 2.
 // A fake does this if it can't read its file, because its interface has no other way to report

@@ -17,6 +17,7 @@
 #include "cadrova/cadrova.h"
 #include "core/for_command.h"
 #include "existence_tests.h"
+#include "file.h"
 #include "files.h"
 #include "parser_core.h"
 
@@ -53,7 +54,7 @@ TEST_F(FakeCore, StopsAfterPendingOutputIfTheDefaultFileHasAnError) {
       {"/nowhere",
        ": can't be read: " + Reason(ENOENT, "; name another file with CADROVA_HOST_DATA")},
       {TemporaryFile("bad", "x = 1\ny = 2\n"),
-       ":1:1: x is outside every map; put it below a .MAP. line"}};
+       ":1:1: x is outside every map; put it below a .MAP. line; 1 more error"}};
   for (const auto& [file, error] : cases) {
     const auto look_up = [&] {
       dup2(STDERR_FILENO, STDOUT_FILENO);
@@ -166,6 +167,7 @@ TEST_F(Kit, SwitchesBetweenParsedFiles) {
   const ParsedFile bad = ParseData("x = 1\ny = 2\n", "bad");
   EXPECT_EQ(bad.data, nullptr);
   EXPECT_EQ(bad.errors.size(), 2U);
+  EXPECT_TRUE(FirstOf({3, bad.errors[0]}).reason.ends_with(" line; 2 more errors"));
   UseData(nullptr);
   EXPECT_EQ(List().file, kData);
 }
@@ -252,12 +254,19 @@ d = -1e39
 e = -1e39
 [A.y]
 pairs = [["a"], ["a", 1], ["a", "b", "c"], ["a", "\u0000"]]
+"\u0000" = 1
+a.b = {}
+c = {d = {}, e = 1}
+[[A.z]]
 [[C]]
+[[C]]
+["\u0000"]
+[A.empty]
 )";
   const std::string mixed =
       "an array must contain strings, integers or pairs of strings, and only one kind";
   const std::string pairs = "an array of arrays must contain pairs of strings";
-  const std::string duplicate = "key b.c.d is already in this map";
+  const std::string duplicate = "key b.c.d is already defined in line 4";
   const std::string f = "<text>";
   // clang-format off
   const std::vector<Error> expected = {
@@ -269,7 +278,11 @@ pairs = [["a"], ["a", 1], ["a", "b", "c"], ["a", "\u0000"]]
       {f, {10, 1}, duplicate, Place{4, 7}}, {f, {11, 5}, "beyond the range of a 32-bit float", {}},
       {f, {13, 10}, pairs, {}}, {f, {13, 17}, pairs, {}}, {f, {13, 27}, pairs, {}},
       {f, {13, 50}, "a string must not contain a NUL byte, which would end it", {}},
-      {f, {14, 3}, "C is outside every map; put it below a [MAP] line", {}}};
+      {f, {14, 1}, "a key must not contain a NUL byte, which would end it", {}},
+      {f, {15, 3}, "an empty table is not a supported value", {}}, {f, {16, 6}, "an empty table is not a supported value", {}},
+      {f, {17, 5}, "[[A.z]] is a list of tables; write [A.z], with single brackets", {}},
+      {f, {18, 3}, "[[C]] is a list of tables; write [C], with single brackets", {}},
+      {f, {20, 2}, "the name of a map must not contain a NUL byte, which would end it", {}}};
   EXPECT_EQ(LoadText(toml), expected);
   for (const Error& other : {
            Error{"", {5, 3}, duplicate, Place{4, 7}}, Error{f, {0, 3}, duplicate, Place{4, 7}},
@@ -283,7 +296,12 @@ pairs = [["a"], ["a", 1], ["a", "b", "c"], ["a", "\u0000"]]
 TEST_F(FakeCore, ReportsTheFirstSyntaxErrorAlone) {
   const std::pair<std::string, std::string> cases[] = {
       // clang-format off
-      {"[A]\nx = 1\nx = 2\nx = 2026-11-24\n", "3:5: "}, {"[[:]]\n", "1:3: "},
+      {"[A]\nx = 1\nx = 2\nx = 2026-11-24\n", "3:1: key x is already defined in line 2\n"}, {"[[:]]\n", "1:3: "},
+      {"[A]\nx = [[1]]\n[B]\nx = 'a\n'", "4:7: a string has no closing quote in this line\n"},
+      {"[A]\nx = no", "2:6: Error while parsing floating-point: put text in quotes; expected 'nan', saw 'no'\n"},
+      {"\xFF\xFE[\0A\0]\0", "1:1: UTF-16 text; save it as UTF-8\n"}, {std::string("\0[\0A", 4), "1:1: UTF-16 text; save it as UTF-8\n"},
+      {std::string("\x7F" "ELF\x2\x1\0\0", 8), "1:7: binary data, not TOML: the file contains a NUL byte\n"},
+      {"\xEF\xBB\xBF#\té\xE9", "1:4: not UTF-8 text from here on; save the file as UTF-8\n"},
       {"[A]\n" + Repeated("A_-9\t. ", 1000) + "a = 1\n", "2:447: a key of more than 64 parts\n"},
       {"[A]\nx = " + std::string(100'000, '['), "2:37: "},
       {"[A]\nx = {'é\\' = \"\"\"\\\"\"\"\"\"\", b.é = 1}", "2:27: a character beyond ASCII must be in quotes, and not directly after a backslash that ends a line\n"},
@@ -295,6 +313,34 @@ TEST_F(FakeCore, ReportsTheFirstSyntaxErrorAlone) {
     ASSERT_EQ(errors.size(), 1U) << toml.substr(0, 200);
     EXPECT_TRUE((ToString(errors[0]) + '\n').starts_with("<text>:" + expected))
         << errors[0] << "\nexpected " << expected << "\nof " << toml.substr(0, 200);
+  }
+}
+
+TEST_F(FakeCore, SaysWhereTheFirstOfTwoDefinitionsIs) {
+  const struct {
+    std::string toml, expected;
+    Place first;
+  } cases[] = {
+      // clang-format off
+      {"[B]\n[A]\n\t\"é\".'b=' = [\n1]\r\n\t'é' . 'b=' = 2\n", "5:8: key é.b= is already defined in line 3", {3, 6}},
+      {"[A]\ns = \"\"\"\n[A]\nx = 1\"\"\"\nx = 1\n[A.t]\nx = 1\nx = 2", "8:1: key t.x is already defined in line 7", {7, 1}},
+      {"[[A]]\nx = 1\n[[A]]\nx = 1\nx = 2", "5:1: key x is already defined in line 4", {4, 1}},
+      {"x = 1\n[A]\n[x]\n", "3:1: x is already a value, in line 1", {1, 1}},
+      {"[A]\n[B]\n[A]\nx = 1\nx = 2", "3:1: A is already a table, in line 1", {1, 1}},
+      {"['A']\n[B]\n[\"A\"]\nx = ", "3:1: A is already a table, in line 1", {1, 1}},
+      {"[A.x]\n[B]\n[A]\ny = 1\n [A] # c\r\n", "5:2: A is already a table, in line 3", {3, 1}},
+      {"[A]\nx.y = 1\nx = 2", "3:1: A.x is already a table, in line 2", {2, 1}},
+      {"[A]\nb.x = 1\nb.x.y = 2", "3:3: A.b.x is already a value, in line 2", {2, 3}},
+      {"[A.x]\n[A]\nx.y = 2", "3:1: A.x is already a table, in line 1", {1, 1}},
+      {"[A]\nx = {a = 1}\n[A.x.y]\n[A.z]", "3:1: A.x is already a value, in line 2", {2, 1}},
+      {"[[A]]\n[B]\n[A]", "3:1: A is already a list of tables, in line 1", {1, 1}},
+      {"[A]\nx = {a = 1, a = 2}", "2:17: Error while parsing key-value pair: cannot redefine existing integer 'a'", {}}};
+  // clang-format on
+  for (const auto& [toml, expected, first] : cases) {
+    const std::vector<Error> errors = LoadText(toml);
+    ASSERT_EQ(errors.size(), 1U) << toml;
+    EXPECT_EQ(ToString(errors[0]), "<text>:" + expected) << toml;
+    EXPECT_EQ(errors[0].related.value_or(Place{}), first) << toml;
   }
 }
 

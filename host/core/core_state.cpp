@@ -3,8 +3,11 @@
 #include <dlfcn.h>
 #include <pthread.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdlib>
 #include <filesystem>
+#include <tuple>
 
 #include "file.h"
 #include "toml_reader.h"
@@ -47,8 +50,8 @@ void CoreState::SetItem(const std::string& map, const std::string& key, StoredVa
   owned_->store.Set(map, key, std::move(value));
 }
 
-std::map<std::string, Place> CoreState::ListMaps() {
-  std::map<std::string, Place> maps = GetFile().store.Maps();
+MapPlaces CoreState::ListMaps() {
+  MapPlaces maps = GetFile().store.Maps();
   const std::lock_guard lock(mutex_);
   maps.insert(sim_.Maps().begin(), sim_.Maps().end());
   return maps;
@@ -61,18 +64,24 @@ std::vector<Contents::Item> CoreState::ListItems() {
     const std::lock_guard lock(mutex_);
     sim_.AppendItems(items);
   }
+  const auto sim_items = static_cast<std::ptrdiff_t>(items.size());
   file.store.AppendItems(items);
+  // Items of the file are not listed if SIM items replace them.
+  const auto id = [](const Contents::Item& item) { return std::tie(item.map, item.key); };
+  std::ranges::inplace_merge(items, items.begin() + sim_items, {}, id);
+  const auto replaced = std::ranges::unique(items, {}, id);
+  items.erase(replaced.begin(), replaced.end());
   return items;
 }
 
 const LoadedFile& CoreState::LoadDefault() {
   const std::lock_guard lock(mutex_);
   if (owned_ == nullptr) {
-    std::vector<Error> errors = Load(ParseFile(DefaultPath()));
+    const std::vector<Error> errors = Load(ParseFile(DefaultPath()));
     if (!errors.empty()) {
-      Error& first = errors.front();
-      if (first.place.line == 0) first.reason += "; name another file with CADROVA_HOST_DATA";
-      ExitWith(first);
+      Error error = FirstOf(errors);
+      if (error.place.line == 0) error.reason += "; name another file with CADROVA_HOST_DATA";
+      ExitWith(error);
     }
   }
   return *owned_;

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <atomic>
-#include <map>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -62,9 +61,8 @@ class CoreState {
     const std::lock_guard lock(mutex_);
     sim_ = Store();
   }
-  // The places of all maps by their names.
-  std::map<std::string, Place> ListMaps();
-  // SIM items first. An item of the file that a SIM item replaces is listed, too.
+  MapPlaces ListMaps();
+  // Sorted by map and key.
   std::vector<Contents::Item> ListItems();
 
  private:

@@ -2,8 +2,6 @@
 
 #include <android-base/properties.h>
 
-#include <algorithm>
-#include <tuple>
 #include <utility>
 #include <variant>
 
@@ -34,11 +32,6 @@ Contents List() {
   CoreState& state = CoreState::Instance();
   Contents contents = {state.GetFile().name, {}, state.ListItems()};
   for (const auto& [name, place] : state.ListMaps()) contents.maps.push_back({name, place});
-  const auto id = [](const Contents::Item& item) { return std::tie(item.map, item.key); };
-  std::ranges::stable_sort(contents.items, {}, id);
-  // SIM data that was set is listed instead of items of the file.
-  const auto replaced = std::ranges::unique(contents.items, {}, id);
-  contents.items.erase(replaced.begin(), replaced.end());
   return contents;
 }
 

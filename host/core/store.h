@@ -45,6 +45,9 @@ const Type* As(const StoredValue& value) {
   return std::get_if<Type>(&value);
 }
 
+// The places of maps by their names.
+using MapPlaces = std::map<std::string, Place, std::less<>>;
+
 class Store {
  public:
   struct Item {
@@ -58,7 +61,14 @@ class Store {
     return found == items_.end() ? nullptr : &found->second;
   }
 
-  // `map` must have been added.
+  // Adds an item without a value and returns it, or returns the item that is already there and
+  // false. `map` must have been added, as for `Set`.
+  std::pair<Item*, bool> Add(const std::string& map, std::string key, Place place) {
+    const auto [found, is_new] =
+        items_.try_emplace({map, std::move(key)}, Item{EmptyList(), place});
+    return {&found->second, is_new};
+  }
+
   void Set(const std::string& map, const std::string& key, StoredValue value, Place place = {}) {
     items_.insert_or_assign({map, key}, Item{std::move(value), place});
   }
@@ -66,10 +76,9 @@ class Store {
   // Adds `map`, without items, if there is none of this name.
   void AddMap(const std::string& map, Place place = {}) { maps_.try_emplace(map, place); }
 
-  // The places of all maps by their names.
-  const std::map<std::string, Place>& Maps() const { return maps_; }
+  const MapPlaces& Maps() const { return maps_; }
 
-  // Appends all items to `items`, in any order.
+  // Appends all items to `items`, sorted by map and key.
   void AppendItems(std::vector<Contents::Item>& items) const;
 
  private:
@@ -92,7 +101,7 @@ class Store {
     }
   };
 
-  std::map<std::string, Place> maps_;
+  MapPlaces maps_;
   // The number of buckets is a power of two, also after the table grows. For such a number, libc++
   // finds a bucket without a division.
   std::unordered_map<Id<std::string>, Item, Hash, Equal> items_{1024};

@@ -10,24 +10,13 @@
 #include <utility>
 #include <variant>
 
-// toml++ asserts some conditions that it then checks, and reports as errors if they are false. With
-// NDEBUG, it would let the compiler assume that they are true.
-#undef NDEBUG
-#define TOML_ASSERT(expression) static_assert(true)
-#define TOML_EXCEPTIONS 0
-#define TOML_MAX_NESTED_VALUES 32
-#include <toml++/toml.h>
-
 #include "file.h"
+#include "toml_parser.h"
 #include "toml_precheck.h"
 #include "utf8.h"
 
 namespace cadrova::host {
 namespace {
-
-Place BeginOf(const toml::source_region& source) {
-  return {static_cast<int>(source.begin.line), static_cast<int>(source.begin.column)};
-}
 
 bool IsBefore(const Place& one, const Place& other) {
   return std::pair(one.line, one.column) < std::pair(other.line, other.column);
@@ -55,32 +44,62 @@ TomlNode ToNode(const toml::node& node, const Place& place) {
   return result;
 }
 
+// The name of the map in the header with which `toml` begins, or the beginning of a name in quotes.
+std::string_view MapInHeader(std::string_view toml) {
+  toml.remove_prefix(std::min(toml.find_first_not_of(" \t["), toml.size()));
+  return toml.substr(0, toml.find_first_of(" \t.]\n"));
+}
+
+// The document `toml` in parts: a part ends where the next header names another map. Lines that
+// name the same map may be in several parts.
+std::vector<std::string_view> SplitByMap(std::string_view toml,
+                                         const std::vector<std::size_t>& headers) {
+  std::vector<std::string_view> parts;
+  std::size_t begin = 0;
+  std::string_view map;
+  for (const std::size_t header : headers) {
+    const std::string_view next = MapInHeader(toml.substr(header));
+    if (next == map) continue;
+    parts.push_back(toml.substr(begin, header - begin));
+    begin = header;
+    map = next;
+  }
+  parts.push_back(toml.substr(begin));
+  return parts;
+}
+
 // Reads one document and collects the errors in it.
 class Reader {
  public:
   explicit Reader(const std::string& file) : file_(file) {}
 
-  // The document, or nothing after a syntax error.
+  // The whole document, or nothing after a syntax error.
   std::optional<toml::table> Parse(std::string_view toml) {
-    if (auto error = FindUnsafeToml(toml, file_)) {
-      errors_.push_back(std::move(*error));
-      return std::nullopt;
-    }
-    toml::parse_result document = toml::parse(toml);
-    if (document) return std::move(document).table();
-    AddError(document.error().source(), document.error().description());
-    return std::nullopt;
+    return Scan(toml) ? ParsePart(toml) : std::nullopt;
   }
 
-  void ReadMaps(const toml::table& document, Store& store) {
-    for (const auto& [name, node] : document) {
-      const std::string map(name.str());
-      if (const toml::table* table = node.as_table()) {
-        store.AddMap(map, BeginOf(name.source()));
-        ReadMap(*table, map, store);
-      } else {
-        AddError(name.source(), map + " is outside every map; put it below a [MAP] line");
+  // Parses one map after the other, because this takes less memory, and because the time that
+  // toml++ takes for each dotted key grows with the number of tables. If a map may be in several
+  // parts, only toml++ knows whether they agree.
+  void ReadData(std::string_view toml, Store& store) {
+    const auto scan = Scan(toml);
+    if (!scan) return;
+    for (const std::string_view part : SplitByMap(toml, scan->headers)) {
+      auto document = ParsePart(part);
+      const auto is_known = [&](const auto& member) {
+        return store.Maps().contains(member.first.str());
+      };
+      if (document ? std::any_of(document->begin(), document->end(), is_known)
+                   : MayContinue(part, store)) {
+        store = Store();
+        errors_.clear();
+        lines_before_ = 0;
+        if ((document = ParsePart(toml))) ReadMaps(*document, store);
+        return;
       }
+      if (!document) return;
+      ReadMaps(*document, store);
+      lines_before_ += static_cast<int>(std::ranges::count(part, '\n'));
     }
   }
 
@@ -119,8 +138,69 @@ class Reader {
     const toml::node* node;
   };
 
+  // What is known about `toml` before it is parsed, or nothing after an error. Removes a byte order
+  // mark.
+  std::optional<TomlScan> Scan(std::string_view& toml) {
+    if (toml.starts_with(kByteOrderMark)) toml.remove_prefix(kByteOrderMark.size());
+    TomlScan scan;
+    scan.error = FindForeignBytes(toml);
+    if (!scan.error) scan = ScanToml(toml);
+    if (!scan.error) return scan;
+    Fail(std::move(*scan.error));
+    return std::nullopt;
+  }
+
+  // Whether `part`, which has a syntax error, may begin with the header of a map in `store`.
+  static bool MayContinue(std::string_view part, const Store& store) {
+    const std::string_view map = MapInHeader(part);
+    return map.starts_with('"') || map.starts_with('\'') || store.Maps().contains(map);
+  }
+
+  std::optional<toml::table> ParsePart(std::string_view part) {
+    auto document = ParseWithTomlplusplus(part, lines_before_);
+    if (auto* table = std::get_if<toml::table>(&document)) return std::move(*table);
+    Fail(std::move(std::get<Error>(document)));
+    return std::nullopt;
+  }
+
+  // After a syntax error, there are no others.
+  void Fail(Error error) {
+    error.file = file_;
+    error.reason = Printable(error.reason);
+    errors_ = {std::move(error)};
+  }
+
+  void ReadMaps(const toml::table& document, Store& store) {
+    for (const auto& [name, node] : document) {
+      const std::string map(name.str());
+      store.AddMap(map, PlaceOf(name.source()));
+      if (map.find('\0') != std::string::npos) {
+        AddError(name.source(),
+                 "the name of a map must not contain a NUL byte, which would end it");
+      } else if (const toml::table* table = node.as_table()) {
+        ReadMap(*table, map, store);
+      } else if (IsArrayOfTables(node)) {
+        AddError(name.source(), SingleBrackets(map));
+      } else {
+        AddError(name.source(), map + " is outside every map; put it below a [MAP] line");
+      }
+    }
+  }
+
+  static std::string SingleBrackets(const std::string& name) {
+    return "[[" + name + "]] is a list of tables; write [" + name + "], with single brackets";
+  }
+
+  Place PlaceOf(const toml::source_region& source) const {
+    const Place place = BeginOf(source);
+    return {place.line + lines_before_, place.column};
+  }
+
+  void AddError(const Place& place, std::string_view reason) {
+    errors_.push_back({file_, place, Printable(reason), {}});
+  }
   void AddError(const toml::source_region& source, std::string_view reason) {
-    errors_.push_back({file_, BeginOf(source), Printable(reason), {}});
+    AddError(PlaceOf(source), reason);
   }
 
   void ReadMap(const toml::table& table, const std::string& map, Store& store) {
@@ -129,23 +209,33 @@ class Reader {
     // toml++ sorts by name. Of two equal keys, the second in the document is the duplicate.
     std::ranges::sort(leaves, IsBefore, &Leaf::place);
     for (const auto& [key, place, node] : leaves) {
-      if (const Store::Item* first = store.Find(map, key)) {
-        const std::string reason = "key " + key + " is already in this map";
-        errors_.push_back({file_, place, Printable(reason), first->place});
+      const auto [item, is_new] = store.Add(map, key, place);
+      if (!is_new) {
+        const std::string line = std::to_string(item->place.line);
+        const std::string reason = "key " + key + " is already defined in line " + line;
+        errors_.push_back({file_, place, Printable(reason), item->place});
+      } else if (key.find('\0') != std::string::npos) {
+        AddError(place, "a key must not contain a NUL byte, which would end it");
+      } else if (node->is_table()) {
+        AddError(place, "an empty table is not a supported value");
+      } else if (IsArrayOfTables(*node)) {
+        AddError(place, SingleBrackets(map + '.' + key));
       } else {
-        store.Set(map, key, ReadValue(*node), place);
+        item->value = ReadValue(*node);
       }
     }
   }
 
+  // Empty tables in braces are leaves, too.
   void AppendLeaves(const toml::table& table, const std::string& prefix,
                     std::vector<Leaf>& leaves) {
     for (const auto& [name, node] : table) {
       std::string key = prefix + std::string(name.str());
-      if (const toml::table* nested = node.as_table()) {
+      const toml::table* nested = node.as_table();
+      if (nested != nullptr && !(nested->empty() && nested->is_inline())) {
         AppendLeaves(*nested, key + '.', leaves);
       } else {
-        leaves.push_back({std::move(key), BeginOf(name.source()), &node});
+        leaves.push_back({std::move(key), PlaceOf(name.source()), &node});
       }
     }
   }
@@ -198,6 +288,7 @@ class Reader {
   }
 
   const std::string& file_;
+  int lines_before_ = 0;  // the part of the document that is read
   std::vector<Error> errors_;
 };
 
@@ -206,7 +297,7 @@ class Reader {
 ParsedFile ParseData(std::string_view toml, const std::string& name) {
   auto data = std::make_shared<LoadedFile>(name, Store());
   Reader reader(name);
-  if (const auto document = reader.Parse(toml)) reader.ReadMaps(*document, data->store);
+  reader.ReadData(toml, data->store);
   std::vector<Error> errors = reader.TakeErrors();
   if (!errors.empty()) data = nullptr;
   return {std::move(data), std::move(errors)};
