@@ -429,7 +429,7 @@ TEST(Command, RefusesWithOneLineThatSaysWhy) {
       {int_k + "|--data|/proc/self/mem", "/proc/self/mem: can't be read: " + Reason(EIO)},
       {int_k + "|--data|" + huge, huge + ": can't be read: it is larger than 1 GiB\n"},
       {int_k + "|--data|" + bad, bad + ":2:5: a date"},
-      {int_k + "|--data|" + not_utf8, not_utf8 + ":2:5: "},
+      {int_k + "|--data|" + not_utf8, not_utf8 + ":2:6: not UTF-8 text"},
       {int_k + "|1", "cadrova: can't write to standard output: " + Reason(ENOSPC), "A=", "/dev/full"},
       {"--version", "can't write to standard output", "A=", "/dev/full"},
       {"get|--help", "can't write to standard output", "A=", "/dev/full"},
