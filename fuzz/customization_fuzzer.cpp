@@ -37,7 +37,7 @@ std::string Summary(const std::string& text, int lines) {
 // map in two parts of the document, all at once.
 void CheckParts(const std::string& text) {
   const std::string in_two_parts = "[\"a~\"]\n[\"b~\"]\n[\"a~\".c]\n";
-  if (text.find('~') != text.npos) return;
+  if (text.find('~') != std::string::npos) return;
   if (Summary("[x]\n" + text, 0) != Summary(in_two_parts + "[x]\n" + text, 3)) std::abort();
 }
 

@@ -298,6 +298,7 @@ TEST_F(FakeCore, ReportsTheFirstSyntaxErrorAlone) {
       // clang-format off
       {"[A]\nx = 1\nx = 2\nx = 2026-11-24\n", "3:1: key x is already defined in line 2\n"}, {"[[:]]\n", "1:3: "},
       {"[A]\nx = [[1]]\n[B]\nx = 'a\n'", "4:7: a string has no closing quote in this line\n"},
+      {"[A]\nx = \"\n[B]\n", "2:6: a string has no closing quote in this line\n"},
       {"[A]\nx = no", "2:6: Error while parsing floating-point: put text in quotes; expected 'nan', saw 'no'\n"},
       {"\xFF\xFE[\0A\0]\0", "1:1: UTF-16 text; save it as UTF-8\n"}, {std::string("\0[\0A", 4), "1:1: UTF-16 text; save it as UTF-8\n"},
       {std::string("\x7F" "ELF\x2\x1\0\0", 8), "1:7: binary data, not TOML: the file contains a NUL byte\n"},

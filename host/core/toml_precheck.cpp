@@ -75,10 +75,10 @@ std::optional<Error> FindForeignBytes(std::string_view toml) {
   const auto error_at = [&](std::size_t offset, std::string reason) {
     return Error{{}, PlaceOf(offset, toml), std::move(reason), {}};
   };
-  if (nul != toml.npos) {
+  if (nul != std::string_view::npos) {
     return error_at(std::min(invalid, nul), "binary data, not TOML: the file contains a NUL byte");
   }
-  if (invalid == toml.npos) return std::nullopt;
+  if (invalid == std::string_view::npos) return std::nullopt;
   return error_at(invalid, "not UTF-8 text from here on; save the file as UTF-8");
 }
 

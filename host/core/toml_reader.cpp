@@ -89,12 +89,16 @@ class Reader {
       const auto is_known = [&](const auto& member) {
         return store.Maps().contains(member.first.str());
       };
+      // toml++ looks ahead, so the end of the part may have changed a syntax error.
+      const std::string_view rest =
+          toml.substr(static_cast<std::size_t>(part.data() - toml.data()));
       if (document ? std::any_of(document->begin(), document->end(), is_known)
-                   : MayContinue(part, store)) {
+                   : MayContinue(part, store) || ParsePart(rest)) {
         store = Store();
         errors_.clear();
         lines_before_ = 0;
-        if ((document = ParsePart(toml))) ReadMaps(*document, store);
+        document = ParsePart(toml);
+        if (document) ReadMaps(*document, store);
         return;
       }
       if (!document) return;
@@ -187,6 +191,10 @@ class Reader {
     }
   }
 
+  static std::string DefinedTwice(const std::string& key, const Place& first) {
+    return "key " + key + " is already defined in line " + std::to_string(first.line);
+  }
+
   static std::string SingleBrackets(const std::string& name) {
     return "[[" + name + "]] is a list of tables; write [" + name + "], with single brackets";
   }
@@ -211,15 +219,14 @@ class Reader {
     for (const auto& [key, place, node] : leaves) {
       const auto [item, is_new] = store.Add(map, key, place);
       if (!is_new) {
-        const std::string line = std::to_string(item->place.line);
-        const std::string reason = "key " + key + " is already defined in line " + line;
-        errors_.push_back({file_, place, Printable(reason), item->place});
+        AddError(place, DefinedTwice(key, item->place));
+        errors_.back().related = item->place;
       } else if (key.find('\0') != std::string::npos) {
         AddError(place, "a key must not contain a NUL byte, which would end it");
       } else if (node->is_table()) {
         AddError(place, "an empty table is not a supported value");
       } else if (IsArrayOfTables(*node)) {
-        AddError(place, SingleBrackets(map + '.' + key));
+        AddError(place, SingleBrackets(std::string(map).append(".").append(key)));
       } else {
         item->value = ReadValue(*node);
       }
