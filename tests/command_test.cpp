@@ -414,6 +414,8 @@ TEST(Command, RefusesWithOneLineThatSaysWhy) {
       {"matrix|region|int|--html|page", "cadrova: give FAMILY, KIND and KEY"},
       {"matrix|region|int|k|--json|--csv", "--json and --csv can't be combined\n"},
       {"matrix|region|int|k|--html|/nowhere/page", "cadrova: --html /nowhere/page: " + Reason(ENOENT)},
+      {"matrix|region|int|k|--html|/tmp", "cadrova: --html /tmp: " + Reason(EISDIR)},
+      {"matrix|region|int|k|--html|/dev/full", "cadrova: --html /dev/full: " + Reason(ENOSPC)},
       {"check|/nowhere", "/nowhere: can't be read: " + Reason(ENOENT)},
       {"diff|/nowhere|" + kData, "/nowhere: can't be read: " + Reason(ENOENT)},
       {"trace|--steps", "PROGRAM is required; see cadrova trace --help\n"},
@@ -437,6 +439,63 @@ TEST(Command, RefusesWithOneLineThatSaysWhy) {
   };
   for (const auto& [line, what, setting, out_file] : cases) {
     ExpectRefusal(Cadrova(line, setting, out_file), what);
+  }
+}
+
+// Runs `script` in an empty folder, with the command as "$@".
+ProgramResult RunInEmptyFolder(const std::string& script) {
+  const std::string folder = kTemporaryFolder.path + "/folder";
+  std::filesystem::remove_all(folder);
+  std::filesystem::create_directory(folder);
+  return RunProgram(Words{"sh", "-c", "cd \"$0\"; " + script, folder, CADROVA_COMMAND},
+                    {"CADROVA_HOST_DATA=" + kData});
+}
+
+TEST(Output, ReplacesNoInput) {
+  const std::string files =
+      "echo DEFAULT.k=1 >d; echo a=b >p; echo text >t; ln d hard; ln -s d soft\n"
+      "export CADROVA_HOST_DATA=d CADROVA_HOST_PROPS=p; \"$@\" ";
+  const std::pair<std::string, std::string> cases[] = {
+      // clang-format off
+      {"matrix --html d", "cadrova: --html d: this would overwrite the input d; name another file\n"},
+      {"matrix --data hard --html ./d", "--html ./d: this would overwrite the input hard;"},
+      {"matrix --data soft --html hard", "--html hard: this would overwrite the input soft;"},
+      {"matrix region int k --html soft", "--html soft: this would overwrite the input d;"},
+      {"matrix --data /dev/stdin --html d <d", "--html d: this would overwrite the input /dev/stdin;"},
+      {"matrix --html - >>d", "--html /dev/stdout: this would overwrite the input d;"},
+      {"matrix --html /proc/self/fd/7 7<>d", "--html /proc/self/fd/7: this would overwrite the input d;"},
+      {"matrix --html p", "--html p: this would overwrite the input p;"},
+      {"trace -o hard true", "cadrova: -o hard: this would overwrite the input d;"},
+      {"trace -o p true", "-o p: this would overwrite the input p;"},
+      {"trace -o t cat ./t", "-o t: this would overwrite the input ./t;"},
+      {"trace -o ./t ./t", "-o ./t: this would overwrite the input ./t;"},
+      // clang-format on
+  };
+  for (const auto& [line, what] : cases) {
+    SCOPED_TRACE(line);
+    ExpectRefusal(RunInEmptyFolder(files + line), what);
+    Expect(
+        RunProgram({"sh", "-c", "cd \"$0\"; cat d p t; ls -A", kTemporaryFolder.path + "/folder"}),
+        "DEFAULT.k=1\na=b\ntext\nd\nhard\np\nsoft\nt\n", "");
+  }
+}
+
+TEST(Output, IsWrittenToEveryKindOfFile) {
+  const std::vector<Case> cases = {
+      // clang-format off
+      {R"(ln -s new link; "$@" matrix --html link; head -n 1 new; ls -AF)", "<!doctype html>\nlink@\nnew\n"},
+      {R"(echo old >a; ln a b; ln -s ../folder/a c; "$@" matrix --html c; head -n 1 a b; ls -AF)",
+       "==> a <==\n<!doctype html>\n\n==> b <==\nold\na\nb\nc@\n"},
+      {R"(umask 27; echo >a; chmod 604 a; for i in a b; do "$@" matrix --html $i; stat -c %a $i; done)", "604\n640\n"},
+      {R"(echo old >a; ulimit -f 1; "$@" matrix --html a; echo $?; cat a; ls -A)", "2\nold\na\n", "cadrova: --html a: " + Reason(EFBIG)},
+      {R"(mkfifo a; grep -c doctype a & "$@" matrix --html a; wait; ls -AF)", "1\na|\n"},
+      {R"({ "$@" matrix --html -; echo doctype; "$@" matrix --html /dev/stdout; } >a; grep -c doctype a; ls -A)", "3\na\n"},
+      {R"({ echo doctype >&7; "$@" matrix --html /dev/fd/7; } 7>a; grep -c doctype a; ls -A)", "2\na\n"},
+      // clang-format on
+  };
+  for (const auto& [script, out, err, status] : cases) {
+    SCOPED_TRACE(script);
+    Expect(RunInEmptyFolder(script), out, err, status);
   }
 }
 

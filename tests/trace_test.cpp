@@ -85,7 +85,7 @@ TEST(Trace, LogsEachLookupAndDoesNotChangeTheProgram) {
       {summary, {TRACED, "forks"}},
       {summary, {TRACED, "has-a-long-key"}},
       {to_file, {TRACED, "limits-file-size"}},
-      {to_file, {TRACED, "replaces-the-file", file}},
+      {to_file, {TRACED, "replaces-the-file", kTemporaryFolder.path}},
       // A lookup resolved with `dlsym` is not named; only its calls are logged.
       {{}, {LOADING}},
       {summary, {LOADING}},

@@ -269,9 +269,9 @@ int main(int, char** argv) {
     execvp(argv[4], argv + 4);
   } else if (what == "replaces-the-file") {
     close_range(3, ~0U, 0);
-    const std::string other = argv[2] + std::string(".new");
+    const std::string file = argv[2] + std::string("/trace"), other = file + ".new";
     close(open(other.c_str(), O_WRONLY | O_CREAT, 0600));
-    if (rename(other.c_str(), argv[2]) != 0) return 1;
+    if (rename(other.c_str(), file.c_str()) != 0) return 1;
     getCustIntFeature("ring", 1);
   } else if (what == "is-killed") {
     getCustIntFeature("ring", 1);

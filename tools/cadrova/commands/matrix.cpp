@@ -1,6 +1,4 @@
-#include <cerrno>
-#include <fstream>
-#include <system_error>
+#include <cstdlib>
 
 #include "commands/command.h"
 #include "commands/shared_options.h"
@@ -13,6 +11,7 @@
 #include "output/csv.h"
 #include "output/html_report.h"
 #include "output/json.h"
+#include "output/output_file.h"
 #include "output/progress.h"
 #include "output/text.h"
 
@@ -29,14 +28,16 @@ class Matrix : public Command {
     fleet_.DeclareOptions(options);
     options.AddFlag("--json", json_, "Print a JSON array of objects: region, carrier, value, map");
     options.AddFlag("--csv", csv_, "Print comma-separated values, one line per device");
-    options.Add("--html", html_, "FILE", "Write an HTML report; of all features if none is named");
+    options.Add(
+        "--html", html_, "FILE",
+        "Write an HTML report (\"-\": to standard output), of all features if none is named");
   }
 
   int Run() override {
     RefuseCombination({{"--json", json_}, {"--csv", csv_}, {"--html", html_.has_value()}});
     data_.Apply();
     if (family_ && kind_ && key_) return ShowFeature(MakeQuery(*family_, *kind_, *key_));
-    if (!family_ && html_) return WriteReportOfAll(*html_);
+    if (!family_ && html_) return WriteReportOfAll();
     throw Failure("give FAMILY, KIND and KEY; or none of them, with --html");
   }
 
@@ -45,17 +46,18 @@ class Matrix : public Command {
     const Fleet fleet = fleet_.ToFleet(
         fleet_.are_complete() ? std::vector<std::string>()
                               : MapNames(ListContents("give both --regions and --carriers")));
+    const auto page = html_ ? std::optional(Page()) : std::nullopt;
     const FleetChains chains(*query.family, fleet);
     const Results results = chains.Collect(query.kind, query.key);
     if (json_) {
       PrintJson(chains, results);
     } else if (csv_) {
       Print(ToCsv(chains, results));
-    } else if (html_) {
+    } else if (page) {
       HtmlReport report(HasFakeCore() ? ListContents().file : "libcadrova_ffi.so", fleet);
       report.BeginFeature(query.key, query.kind);
       report.Add(*query.family, LayOut(chains, results));
-      Write(report, *html_);
+      page->Write(report.ToHtml());
     } else {
       Print(ToText(LayOut(chains, results), fleet));
     }
@@ -70,9 +72,10 @@ class Matrix : public Command {
     return kNegative;
   }
 
-  int WriteReportOfAll(const std::string& file) const {
+  int WriteReportOfAll() const {
     const auto contents =
         ListContents("give FAMILY, KIND and KEY, and both --regions and --carriers");
+    const OutputFile page = Page();
     const Fleet fleet = fleet_.ToFleet(MapNames(contents));
     const auto features = IndexFeatures(contents);
     std::vector<FleetChains> families;
@@ -90,15 +93,16 @@ class Matrix : public Command {
         report.Add(chains.family(), LayOut(chains, chains.Collect(kind, key, &maps)));
       }
     }
-    Write(report, file);
+    page.Write(report.ToHtml());
     return kSuccess;
   }
 
-  static void Write(const HtmlReport& report, const std::string& file) {
-    std::ofstream stream(file, std::ios::binary);
-    stream << report.ToHtml();
-    if (stream.flush()) return;
-    throw Failure("--html " + file + ": " + std::generic_category().message(errno));
+  OutputFile Page() const {
+    std::vector<std::string> inputs;
+    if (HasFakeCore()) inputs.push_back(ListContents().file);
+    const char* const properties = std::getenv("CADROVA_HOST_PROPS");
+    if (properties != nullptr) inputs.emplace_back(properties);
+    return {"--html", *html_, inputs};
   }
 
   std::optional<std::string> family_, kind_, key_, html_;

@@ -12,6 +12,7 @@
 #include "commands/command.h"
 #include "commands/shared_options.h"
 #include "failure.h"
+#include "output/output_file.h"
 
 namespace cadrova::tools {
 namespace {
@@ -63,6 +64,15 @@ TraceFile OpenTraceFile(const std::string& file) {
   return {std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(descriptor)), ""};
 }
 
+// Refuses to empty a file that the program may read: its data, or one that an argument names.
+void RefuseInputsOfProgram(const std::string& file, std::vector<std::string> inputs) {
+  for (const char* const name : {"CADROVA_HOST_DATA", "CADROVA_HOST_PROPS"}) {
+    const char* const value = std::getenv(name);
+    if (value != nullptr) inputs.emplace_back(value);
+  }
+  RefuseInputs("-o", file, inputs);
+}
+
 void SetVariable(const char* name, const std::string& value) {
   if (value.empty()) {
     unsetenv(name);
@@ -83,6 +93,7 @@ class Trace : public Command {
   // This process becomes the program.
   int Run() override {
     RefuseCombination({{"--steps", steps_}, {"--summary", summary_}});
+    if (file_) RefuseInputsOfProgram(*file_, program_);
     const char* const preloaded = std::getenv("LD_PRELOAD");
     SetVariable("LD_PRELOAD",
                 TraceLibraryPath() + (preloaded == nullptr ? "" : std::string(":") + preloaded));
