@@ -12,24 +12,36 @@
 
 namespace cadrova::host {
 
+namespace {
+
+Error Unreadable(const std::string& name, const std::string& why) {
+  return {.file = name, .place = {}, .reason = "can't be read: " + why, .related = {}};
+}
+
+Error UnreadableByErrno(const std::string& name) {
+  return Unreadable(name, std::generic_category().message(errno));
+}
+
+}  // namespace
+
 std::variant<std::string, Error> ReadFile(const std::string& path) {
-  constexpr std::size_t kMaximumSize = std::size_t{1} << 30;
-  const auto fail = [&](const std::string& why) {
-    return Error{.file = path, .place = {}, .reason = "can't be read: " + why, .related = {}};
-  };
-  const auto fail_with_errno = [&] { return fail(std::generic_category().message(errno)); };
-  const auto fail_with_size = [&] { return fail("it is larger than 1 GiB"); };
   const std::unique_ptr<FILE, int (*)(FILE*)> file(std::fopen(path.c_str(), "rbe"), std::fclose);
-  if (file == nullptr) return fail_with_errno();
+  if (file == nullptr) return UnreadableByErrno(path);
+  return ReadStream(file.get(), path);
+}
+
+std::variant<std::string, Error> ReadStream(FILE* stream, const std::string& name) {
+  constexpr std::size_t kMaximumSize = std::size_t{1} << 30;
+  const auto fail_with_size = [&] { return Unreadable(name, "it is larger than 1 GiB"); };
   struct stat status;
-  if (fstat(fileno(file.get()), &status) == 0 && status.st_size > off_t{kMaximumSize}) {
+  if (fstat(fileno(stream), &status) == 0 && status.st_size > off_t{kMaximumSize}) {
     return fail_with_size();
   }
   std::string contents;
   std::array<char, 65536> buffer;
-  while (std::feof(file.get()) == 0) {
-    contents.append(buffer.data(), std::fread(buffer.data(), 1, buffer.size(), file.get()));
-    if (std::ferror(file.get()) != 0) return fail_with_errno();
+  while (std::feof(stream) == 0) {
+    contents.append(buffer.data(), std::fread(buffer.data(), 1, buffer.size(), stream));
+    if (std::ferror(stream) != 0) return UnreadableByErrno(name);
     if (contents.size() > kMaximumSize) return fail_with_size();
   }
   return contents;

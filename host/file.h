@@ -1,6 +1,7 @@
 // How the fake core and the fake property store read files and report errors in them.
 #pragma once
 
+#include <cstdio>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -12,6 +13,9 @@ namespace cadrova::host {
 
 // The contents of the file at `path`, or why it can't be read.
 std::variant<std::string, Error> ReadFile(const std::string& path);
+
+// The rest of `stream`, which is called `name` in the error.
+std::variant<std::string, Error> ReadStream(FILE* stream, const std::string& name);
 
 // `text` with a `?` for each control character, so that a message is one line.
 std::string Printable(std::string_view text);

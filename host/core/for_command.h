@@ -21,6 +21,7 @@ struct LoadedFile;
 struct ParsedFile {
   std::shared_ptr<LoadedFile> data;  // NULL if there are errors.
   std::vector<Error> errors;         // In file order.
+  bool has_syntax_error = false;     // It is the only error then.
 };
 
 // A value of a TOML document.

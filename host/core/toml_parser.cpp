@@ -115,13 +115,15 @@ void AddFirstDefinition(std::string_view toml, int lines_before, Error& error) {
     if (part != path.front()) name_in_map += (name_in_map.empty() ? "" : ".") + std::string(*part);
     name += (name.empty() ? "" : ".") + std::string(*part);
   }
+  if (name_in_map.empty()) name_in_map = path.size() > 1 ? "\"\"" : name;
+  if (name.empty()) name = "\"\"";
   const bool is_list = IsArrayOfTables(*first);
   const bool is_table = !is_list && first->is_table() && !first->as_table()->is_inline();
   if (is_list || is_table) place = BeginOf(first->source());
   place.line += lines_before;
   error.related = place;
   if (!is_list && !is_table && scan.is_in_value) {
-    error.reason = "key " + (name_in_map.empty() ? name : name_in_map) + " is already defined in ";
+    error.reason = "key " + name_in_map + " is already defined in ";
   } else {
     const char* what = is_list ? "list of tables" : is_table ? "table" : "value";
     error.reason = name + " is already a " + what + ", in ";

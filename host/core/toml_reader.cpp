@@ -96,6 +96,7 @@ class Reader {
                    : MayContinue(part, store) || ParsePart(rest)) {
         store = Store();
         errors_.clear();
+        has_syntax_error_ = false;
         lines_before_ = 0;
         document = ParsePart(toml);
         if (document) ReadMaps(*document, store);
@@ -125,6 +126,8 @@ class Reader {
     }
     return EmptyList();
   }
+
+  bool has_syntax_error() const { return has_syntax_error_; }
 
   // The errors so far, in the order of the document.
   std::vector<Error> TakeErrors() {
@@ -169,6 +172,7 @@ class Reader {
 
   // After a syntax error, there are no others.
   void Fail(Error error) {
+    has_syntax_error_ = true;
     error.file = file_;
     error.reason = Printable(error.reason);
     errors_ = {std::move(error)};
@@ -297,6 +301,7 @@ class Reader {
   const std::string& file_;
   int lines_before_ = 0;  // the part of the document that is read
   std::vector<Error> errors_;
+  bool has_syntax_error_ = false;
 };
 
 }  // namespace
@@ -307,12 +312,12 @@ ParsedFile ParseData(std::string_view toml, const std::string& name) {
   reader.ReadData(toml, data->store);
   std::vector<Error> errors = reader.TakeErrors();
   if (!errors.empty()) data = nullptr;
-  return {std::move(data), std::move(errors)};
+  return {std::move(data), std::move(errors), reader.has_syntax_error()};
 }
 
 ParsedFile ParseFile(const std::string& path) {
   auto contents = ReadFile(path);
-  if (auto* error = std::get_if<Error>(&contents)) return {nullptr, {std::move(*error)}};
+  if (auto* error = std::get_if<Error>(&contents)) return {nullptr, {std::move(*error)}, false};
   return ParseData(std::get<std::string>(contents), path);
 }
 

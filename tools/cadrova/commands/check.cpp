@@ -1,12 +1,19 @@
+#include <fnmatch.h>
+
 #include <algorithm>
+#include <map>
 
 #include "commands/command.h"
+#include "commands/format_option.h"
 #include "commands/shared_options.h"
+#include "common/text.h"
 #include "failure.h"
 #include "fleet/feature_index.h"
 #include "fleet/findings.h"
 #include "lookup/data_source.h"
 #include "output/console.h"
+#include "output/json.h"
+#include "output/sarif.h"
 #include "output/text.h"
 
 namespace cadrova::tools {
@@ -15,33 +22,138 @@ namespace {
 class Check : public Command {
  public:
   void DeclareOptions(Options& options) override {
-    options.Add("FILE", file_, "", "Customization file (default: the one that the core reads)");
+    options.AddRemaining("FILE", files_,
+                         "Customization files, - for standard input (default: CADROVA_HOST_DATA)",
+                         Options::Need::kOptional);
     fleet_.DeclareOptions(options);
+    options.AddFlag("--strict", is_strict_, "Report warnings as errors");
+    options.AddRepeatable("--disable", disabled_, "FINDING", "Do not report it; repeatable");
+    format_.DeclareOptions(options);
   }
 
   int Run() override {
-    const auto errors = file_ ? TryLoadData(*file_) : std::vector<host::Error>();
-    if (!errors.empty()) return ReportErrors(errors);
-    const auto contents = ListContents();
-    const Fleet fleet = fleet_.ToFleet(MapNames(contents));
-    const auto findings = CheckContents(contents, fleet, !fleet_.are_complete());
-    Print(ToText(findings, contents.file));
-    return std::ranges::any_of(findings, &Finding::is_error) ? kNegative : kSuccess;
+    const std::string format = format_.Choose();
+    for (const std::string& name : disabled_) RequireOptionalFinding(name);
+    if (files_.empty()) files_ = {RequireDefaultDataFile()};
+    int status = kSuccess;
+    for (const std::string& file : files_) {
+      try {
+        const auto findings = CheckFile(file);
+        findings_.insert(findings_.end(), findings.begin(), findings.end());
+      } catch (const Failure& failure) {
+        PrintError(failure.what());
+        status = failure.status();
+      }
+    }
+    ReportUnusedAllowances();
+    if (std::ranges::any_of(findings_, &Finding::is_error)) status = std::max(status, kNegative);
+    Report(format);
+    return status;
   }
 
  private:
-  static int ReportErrors(const std::vector<host::Error>& errors) {
-    if (errors[0].place.line == 0) throw Failure(errors[0]);  // The file can't be read.
-    std::vector<Finding> findings(errors.size());
-    std::ranges::transform(errors, findings.begin(), [](const host::Error& error) {
-      return Finding{error.place, true, error.reason};
+  // Throws a Failure if the file or its fleet file can't be read.
+  std::vector<Finding> CheckFile(const std::string& file) {
+    const DataFile data(file);
+    const bool is_unreadable = !data.errors().empty() && data.errors()[0].place.line == 0;
+    if (is_unreadable) throw Failure(data.errors()[0]);
+    const FleetChoice choice = fleet_.Choose({file});
+    std::vector<Finding> findings;
+    for (const host::Error& error : data.errors()) {
+      findings.push_back(MakeFinding(data.has_syntax_error() ? "syntax" : "value", data.name(),
+                                     error.place, error.reason));
+    }
+    if (findings.empty()) {
+      data.Use();
+      const auto contents = ListContents();
+      const Fleet fleet = choice.ToFleet(MapNames(contents));
+      findings = CheckContents(contents, fleet, !choice.are_codes_declared());
+    }
+    auto& used = used_allowances_[choice.file];
+    if (choice.file != nullptr) {
+      // What an error hides can't be found, so each allowance may be needed.
+      used.resize(choice.file->allowed.size(), false);
+      if (!data.errors().empty()) used.assign(used.size(), true);
+    }
+    std::erase_if(findings, [&](const Finding& finding) {
+      return IsAllowed(finding, choice.file, used) || IsDisabled(finding, choice.file);
     });
-    Print(ToText(findings, errors[0].file));
-    return kNegative;
+    findings = Sorted(std::move(findings));
+    MakeStrict(findings, choice.file);
+    return findings;
   }
 
-  std::optional<std::string> file_;
+  static void RequireOptionalFinding(const std::string& name) {
+    if (name == "syntax" || name == "value") {
+      throw Failure("--disable: " + name +
+                    " can't be disabled: a file with such an error can't be used");
+    }
+    const auto types = FindingTypes();
+    if (std::ranges::find(types, name, &FindingType::name) != types.end()) return;
+    throw Failure("--disable: unknown finding '" + name +
+                  "'; use one of: " + Join(types.subspan(2), ", ", &FindingType::name));
+  }
+
+  bool IsDisabled(const Finding& finding, const FleetFile* fleet) const {
+    return std::ranges::find(disabled_, finding.type->name) != disabled_.end() ||
+           (fleet != nullptr &&
+            std::ranges::find(fleet->disabled, finding.type->name, &FleetFile::Disabled::finding) !=
+                fleet->disabled.end());
+  }
+
+  static bool IsAllowed(const Finding& finding, const FleetFile* fleet, std::vector<bool>& used) {
+    const auto matches = [](const std::optional<std::string>& pattern, const std::string& name) {
+      return !pattern || fnmatch(pattern->c_str(), name.c_str(), 0) == 0;
+    };
+    bool is_allowed = false;
+    for (std::size_t i = 0; i < used.size(); ++i) {
+      const auto& [name, map, key, place] = fleet->allowed[i];
+      if (name != finding.type->name || !matches(map, finding.map) || !matches(key, finding.key)) {
+        continue;
+      }
+      used[i] = is_allowed = true;
+    }
+    return is_allowed;
+  }
+
+  void ReportUnusedAllowances() {
+    for (const auto& [fleet, used] : used_allowances_) {
+      std::vector<Finding> findings;
+      for (std::size_t i = 0; i < used.size(); ++i) {
+        if (used[i]) continue;
+        findings.push_back(MakeFinding("unused-allow", fleet->path, fleet->allowed[i].place,
+                                       "no finding matches this entry; remove it"));
+      }
+      std::erase_if(findings, [&](const auto& finding) { return IsDisabled(finding, fleet); });
+      MakeStrict(findings, fleet);
+      findings_.insert(findings_.end(), findings.begin(), findings.end());
+    }
+  }
+
+  void MakeStrict(std::vector<Finding>& findings, const FleetFile* fleet) const {
+    if (!is_strict_ && (fleet == nullptr || !fleet->is_strict)) return;
+    for (Finding& finding : findings) finding.is_error = true;
+  }
+
+  void Report(const std::string& format) const {
+    if (format == "text") {
+      Print(ToText(findings_));
+    } else if (format == "sarif") {
+      Print(ToSarif(findings_));
+    } else {
+      JsonArrayPrinter array;
+      for (const Finding& finding : findings_) array.Add(ToJson(finding));
+      array.Finish();
+    }
+  }
+
+  std::vector<std::string> files_, disabled_;
   FleetOptions fleet_;
+  FormatOption format_{
+      {{"text", ""}, {"json", "Print a JSON array with one object per finding"}, {"sarif", ""}}};
+  bool is_strict_ = false;
+  std::map<const FleetFile*, std::vector<bool>> used_allowances_;
+  std::vector<Finding> findings_;
 };
 
 }  // namespace

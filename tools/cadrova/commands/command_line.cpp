@@ -156,7 +156,7 @@ void Options::AddRepeatable(const std::string& name, std::vector<std::string>& v
 }
 
 void Options::AddRemaining(const std::string& name, std::vector<std::string>& values,
-                           const std::string& description) {
+                           const std::string& description, Need need) {
   app_.add_option(
           name,
           [&](const CLI::results_t& given) {
@@ -164,7 +164,7 @@ void Options::AddRemaining(const std::string& name, std::vector<std::string>& va
             return true;
           },
           description)
-      ->required()
+      ->required(need == Need::kAtLeastOne)
       ->type_name("")
       ->expected(CLI::detail::expected_max_vector_size);
 }

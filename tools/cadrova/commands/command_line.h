@@ -26,9 +26,10 @@ class Options {
   // An option that may be repeated, each time with one value.
   void AddRepeatable(const std::string& name, std::vector<std::string>& values,
                      const std::string& type, const std::string& description);
-  // All remaining arguments, at least one.
+  // All remaining arguments.
+  enum class Need { kOptional, kAtLeastOne };
   void AddRemaining(const std::string& name, std::vector<std::string>& values,
-                    const std::string& description);
+                    const std::string& description, Need need = Need::kAtLeastOne);
 
  private:
   CLI::App& app_;

@@ -1,120 +1,84 @@
-#include <iterator>
-
 #include "commands/command.h"
+#include "commands/format_option.h"
 #include "commands/shared_options.h"
 #include "common/text.h"
+#include "failure.h"
 #include "fleet/changes.h"
+#include "fleet/feature_index.h"
 #include "lookup/data_source.h"
-#include "output/console.h"
-#include "output/json.h"
+#include "output/capture.h"
+#include "output/change_printer.h"
 #include "output/progress.h"
-#include "output/text.h"
 
 namespace cadrova::tools {
 namespace {
-
-// The results of one family with both files.
-struct ComparedFamily {
-  FleetChains chains;
-  std::vector<std::optional<Results>> before, after;  // by feature
-};
 
 class Diff : public Command {
  public:
   void DeclareOptions(Options& options) override {
     options.AddRequired("OLD", old_, "Customization file before the change");
     options.AddRequired("NEW", new_, "Customization file after the change");
-    options.Add("--family", family_, "FAMILY",
-                "Family to compare (default: carrier-region and sim)");
-    fleet_.DeclareOptions(options);
-    options.AddFlag("--json", json_, "Print a JSON array with one object per change and device");
+    options.Add("--family", family_, "FAMILY", "Family to compare (default: all)");
+    fleet_options_.DeclareOptions(options);
+    format_.DeclareOptions(options);
+    options.AddFlag("--exit-zero", exit_zero_, "Exit with status 0 even if devices change");
   }
 
   int Run() override {
+    const std::string format = format_.Choose();
+    if (old_ == "-" && new_ == "-") throw Failure("OLD and NEW can't both be standard input");
     const DataFile before(old_), after(new_);
-    before.Load();
-    auto contents = ListContents();
-    after.Load();
-    auto new_contents = ListContents();
-    std::ranges::move(new_contents.maps, std::back_inserter(contents.maps));
-    std::ranges::move(new_contents.items, std::back_inserter(contents.items));
-    const Fleet fleet = fleet_.ToFleet(MapNames(contents));
-    const auto features = IndexFeatures(contents);
-
-    std::vector<ComparedFamily> families;
+    before.Use();
+    const host::Contents old_contents = ListContents();
+    after.Use();
+    const host::Contents new_contents = ListContents();
+    auto maps = MapNames(old_contents);
+    const auto new_maps = MapNames(new_contents);
+    maps.insert(maps.end(), new_maps.begin(), new_maps.end());
+    const Fleet fleet = fleet_options_.Choose({new_, old_}).ToFleet(maps);
+    std::vector<FleetChains> families;
     const Family* const only = family_ ? &FindFamily(*family_) : nullptr;
     for (const Family& family : Families()) {
-      if (only == nullptr ? family.is_compared : only == &family) {
-        families.push_back({FleetChains(family, fleet), {}, {}});
-      }
+      if (only == nullptr || only == &family) families.emplace_back(family, fleet, &maps);
     }
-    for (auto& family : families) family.after = CollectAll(family.chains, features);
-    before.Load();
-    for (auto& family : families) family.before = CollectAll(family.chains, features);
-    return json_ ? PrintAsJson(families, features) : PrintAsText(families, features, fleet);
+
+    const auto printer = ChangePrinter::Make(format, old_contents, new_contents, fleet);
+    const auto features = IndexFeatures({&old_contents, &new_contents});
+    Progress progress("comparing each feature");
+    for (std::size_t i = 0; i < features.size(); ++i) {
+      progress.Show(i, features.size());
+      const auto& [key, kind, feature_maps] = features[i];
+      std::vector<Results> new_results, old_results;
+      const auto collect = [&](const DataFile& data, std::vector<Results>& results) {
+        data.Use();
+        for (const FleetChains& chains : families) {
+          const bool has_lookup = chains.family().Has(kind);
+          results.push_back(has_lookup ? chains.Collect(kind, key, &feature_maps) : Results());
+        }
+      };
+      DiscardStdout([&] {
+        collect(before, old_results);
+        collect(after, new_results);
+      });
+      std::vector<FamilyChanges> changes;
+      for (std::size_t family = 0; family < families.size(); ++family) {
+        if (!families[family].family().Has(kind)) continue;
+        auto found = FindChanges(families[family], old_results[family], new_results[family]);
+        if (!found.empty()) changes.push_back({&families[family].family(), std::move(found)});
+      }
+      if (!changes.empty()) printer->Add(features[i], changes);
+    }
+    return printer->Finish() && !exit_zero_ ? kNegative : kSuccess;
   }
 
  private:
-  // Calls `use` with each feature that changes, each family and its changes. Returns the exit
-  // status.
-  static int ForEachChange(const std::vector<ComparedFamily>& families,
-                           const std::vector<Feature>& features, auto use) {
-    Progress progress("comparing");
-    int status = kSuccess;
-    for (std::size_t i = 0; i < features.size(); ++i) {
-      progress.Show(i, features.size());
-      for (const auto& [chains, before, after] : families) {
-        const auto &results_before = before[i], &results_after = after[i];
-        if (!results_before || !results_after) continue;
-        const auto changes = FindChanges(chains, *results_before, *results_after);
-        if (changes.empty()) continue;
-        use(features[i], chains, changes);
-        status = kNegative;
-      }
-    }
-    return status;
-  }
-
-  static int PrintAsJson(const std::vector<ComparedFamily>& families,
-                         const std::vector<Feature>& features) {
-    JsonArrayPrinter array;
-    const int status = ForEachChange(
-        families, features, [&](const auto& feature, const auto& chains, const auto& changes) {
-          for (const Change& change : changes) AddChange(array, feature, chains, change);
-        });
-    array.Finish();
-    return status;
-  }
-
-  // Families with the same changes of a feature share one paragraph.
-  static int PrintAsText(const std::vector<ComparedFamily>& families,
-                         const std::vector<Feature>& features, const Fleet& fleet) {
-    std::string heading, text;
-    const Feature* last = nullptr;
-    const auto flush = [&] {
-      if (last != nullptr) Print(Colored(heading, kBold) + '\n' + text);
-    };
-    const int status = ForEachChange(
-        families, features, [&](const auto& feature, const auto& chains, const auto& changes) {
-          std::string next = ToText(changes, fleet);
-          if (last == &feature && next == text) {
-            heading += std::string(" and ") + chains.family().name;
-            return;
-          }
-          flush();
-          heading = std::string(ToString(feature.kind)) + ' ' + DisplayName(feature.key) + " by " +
-                    chains.family().name;
-          text = std::move(next);
-          last = &feature;
-        });
-    flush();
-    return status;
-  }
-
   std::string old_, new_;
   std::optional<std::string> family_;
-  FleetOptions fleet_;
-  bool json_ = false;
+  FleetOptions fleet_options_;
+  FormatOption format_{{{"text", ""},
+                        {"json", "Print a JSON array with one object per change and device"},
+                        {"markdown", ""}}};
+  bool exit_zero_ = false;
 };
 
 }  // namespace

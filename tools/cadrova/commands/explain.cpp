@@ -3,6 +3,7 @@
 #include <set>
 
 #include "commands/command.h"
+#include "commands/format_option.h"
 #include "commands/shared_options.h"
 #include "common/text.h"
 #include "fleet/suggestions.h"
@@ -82,26 +83,29 @@ class ExplainCommand : public Command {
  public:
   void DeclareOptions(Options& options) override {
     query_.DeclareOptions(options);
-    options.AddFlag("--json", json_, "Print one JSON object");
+    format_.DeclareOptions(options);
     options.AddFlag("--steps", steps_, "Print the calls in order");
   }
 
   int Run() override {
-    RefuseCombination({{"--json", json_}, {"--steps", steps_}});
+    const std::string format = format_.Choose({{"--steps", steps_}});
     const Query query = query_.Apply();
     if (steps_) {
-      Print(Join(Record(query).calls, "\n") + '\n');
-    } else if (json_) {
-      Print(ToJson(Explain(query)) + '\n');
-    } else {
-      Print(ToExplanationText(Explain(query)));
+      const Recording recording = Record(query);
+      query_.WarnOfCodes(recording);
+      Print(Join(recording.calls, "\n") + '\n');
+      return kSuccess;
     }
+    const Explanation explanation = Explain(query);
+    query_.WarnOfCodes(explanation.recording);
+    Print(format == "json" ? ToJson(explanation) + '\n' : ToExplanationText(explanation));
     return kSuccess;
   }
 
  private:
   QueryOptions query_;
-  bool json_ = false, steps_ = false;
+  FormatOption format_{{{"text", ""}, {"json", "Print one JSON object"}}};
+  bool steps_ = false;
 };
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include <cstdio>
 
 #include "commands/command.h"
+#include "commands/format_option.h"
 #include "commands/shared_options.h"
 #include "common/text.h"
 #include "lookup/recording.h"
@@ -15,15 +16,17 @@ class Get : public Command {
  public:
   void DeclareOptions(Options& options) override {
     query_.DeclareOptions(options);
-    options.AddFlag("--json", json_, "Print the value as JSON");
+    format_.DeclareOptions(options);
   }
 
   int Run() override {
+    const bool is_json = format_.Choose() == "json";
     const Query query = query_.Apply();
     const Recording recording = Record(query);
     const bool is_missing = SourceOf(recording.chain, recording.value, query) == nullptr;
     std::fwrite(recording.printed.data(), 1, recording.printed.size(), stderr);
-    Print(json_ ? ToJson(recording.value) + '\n' : ToLines(recording.value));
+    query_.WarnOfCodes(recording);
+    Print(is_json ? ToJson(recording.value) + '\n' : ToLines(recording.value));
     if (!is_missing || query.has_default) return kSuccess;
     PrintError("cadrova: no map contains " + DisplayName(query.key) + " as " +
                ToString(query.kind) + "; see cadrova explain");
@@ -32,7 +35,7 @@ class Get : public Command {
 
  private:
   QueryOptions query_;
-  bool json_ = false;
+  FormatOption format_{{{"text", ""}, {"json", "Print the value as JSON"}}};
 };
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include <fnmatch.h>
 
 #include "commands/command.h"
+#include "commands/format_option.h"
 #include "commands/shared_options.h"
 #include "fleet/feature_index.h"
 #include "lookup/data_source.h"
@@ -16,17 +17,19 @@ class List : public Command {
   void DeclareOptions(Options& options) override {
     options.Add("PATTERN", pattern_, "", "Shell pattern for keys (default: all keys)");
     data_.DeclareOptions(options);
-    options.AddFlag("--json", json_, "Print a JSON array of objects: key, kind, maps");
+    format_.DeclareOptions(options);
   }
 
   int Run() override {
+    const std::string format = format_.Choose();
     data_.Apply();
     const std::string pattern = pattern_.value_or("*");
-    auto features = IndexFeatures(ListContents());
+    const auto contents = ListContents();
+    auto features = IndexFeatures({&contents});
     std::erase_if(features, [&](const Feature& feature) {
       return fnmatch(pattern.c_str(), feature.key.c_str(), 0) != 0;
     });
-    if (json_) {
+    if (format == "json") {
       JsonArrayPrinter array;
       for (const Feature& feature : features) array.Add(ToJson(feature));
       array.Finish();
@@ -41,7 +44,7 @@ class List : public Command {
  private:
   std::optional<std::string> pattern_;
   DataOption data_;
-  bool json_ = false;
+  FormatOption format_{{{"text", ""}, {"json", "Print a JSON array of objects: key, kind, maps"}}};
 };
 
 }  // namespace

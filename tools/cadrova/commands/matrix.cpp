@@ -1,6 +1,8 @@
+#include <algorithm>
 #include <cstdlib>
 
 #include "commands/command.h"
+#include "commands/format_option.h"
 #include "commands/shared_options.h"
 #include "common/text.h"
 #include "failure.h"
@@ -26,32 +28,36 @@ class Matrix : public Command {
     options.Add("KEY", key_, "", "Key of the feature");
     data_.DeclareOptions(options);
     fleet_.DeclareOptions(options);
-    options.AddFlag("--json", json_, "Print a JSON array of objects: region, carrier, value, map");
-    options.AddFlag("--csv", csv_, "Print comma-separated values, one line per device");
+    format_.DeclareOptions(options);
     options.Add(
         "--html", html_, "FILE",
         "Write an HTML report (\"-\": to standard output), of all features if none is named");
   }
 
   int Run() override {
-    RefuseCombination({{"--json", json_}, {"--csv", csv_}, {"--html", html_.has_value()}});
-    data_.Apply();
-    if (family_ && kind_ && key_) return ShowFeature(MakeQuery(*family_, *kind_, *key_));
-    if (!family_ && html_) return WriteReportOfAll();
-    throw Failure("give FAMILY, KIND and KEY; or none of them, with --html");
+    const std::string format = format_.Choose({{"--html", html_.has_value()}});
+    if (!key_ && (family_ || !html_)) {
+      throw Failure("give FAMILY, KIND and KEY; or none of them, with --html");
+    }
+    std::optional<Query> query;
+    if (family_ && kind_ && key_) query = MakeQuery(*family_, *kind_, *key_);
+    data_files_ = data_.Apply();
+    const FleetChoice choice = fleet_.Choose(data_files_);
+    return query ? ShowFeature(choice, *query, format) : WriteReportOfAll(choice);
   }
 
  private:
-  int ShowFeature(const Query& query) const {
-    const Fleet fleet = fleet_.ToFleet(
-        fleet_.are_complete() ? std::vector<std::string>()
-                              : MapNames(ListContents("give both --regions and --carriers")));
-    const auto page = html_ ? std::optional(Page()) : std::nullopt;
-    const FleetChains chains(*query.family, fleet);
+  int ShowFeature(const FleetChoice& choice, const Query& query, const std::string& format) const {
+    std::vector<std::string> maps;
+    const bool can_list = HasFakeCore() || !choice.are_codes_declared();
+    if (can_list) maps = ListMapNames("give both --regions and --carriers");
+    const Fleet fleet = choice.ToFleet(maps);
+    const auto page = html_ ? std::optional(Page(choice)) : std::nullopt;
+    const FleetChains chains(*query.family, fleet, can_list ? &maps : nullptr);
     const Results results = chains.Collect(query.kind, query.key);
-    if (json_) {
+    if (format == "json") {
       PrintJson(chains, results);
-    } else if (csv_) {
+    } else if (format == "csv") {
       Print(ToCsv(chains, results));
     } else if (page) {
       HtmlReport report(HasFakeCore() ? ListContents().file : "libcadrova_ffi.so", fleet);
@@ -72,43 +78,49 @@ class Matrix : public Command {
     return kNegative;
   }
 
-  int WriteReportOfAll() const {
+  int WriteReportOfAll(const FleetChoice& choice) const {
     const auto contents =
         ListContents("give FAMILY, KIND and KEY, and both --regions and --carriers");
-    const OutputFile page = Page();
-    const Fleet fleet = fleet_.ToFleet(MapNames(contents));
-    const auto features = IndexFeatures(contents);
+    const OutputFile page = Page(choice);
+    const auto maps = MapNames(contents);
+    const Fleet fleet = choice.ToFleet(maps);
+    const auto features = IndexFeatures({&contents});
     std::vector<FleetChains> families;
     for (const Family& family : Families()) {
-      if (family.is_compared) families.emplace_back(family, fleet);
+      if (family.is_reported) families.emplace_back(family, fleet, &maps);
     }
     HtmlReport report(contents.file, fleet);
     Progress progress("looking up each feature");
     for (std::size_t i = 0; i < features.size(); ++i) {
       progress.Show(i, features.size());
-      const auto& [key, kind, maps] = features[i];
+      const auto& [key, kind, feature_maps] = features[i];
       report.BeginFeature(key, kind);
       for (const FleetChains& chains : families) {
         if (!chains.family().Has(kind)) continue;
-        report.Add(chains.family(), LayOut(chains, chains.Collect(kind, key, &maps)));
+        report.Add(chains.family(), LayOut(chains, chains.Collect(kind, key, &feature_maps)));
       }
     }
     page.Write(report.ToHtml());
     return kSuccess;
   }
 
-  OutputFile Page() const {
-    std::vector<std::string> inputs;
-    if (HasFakeCore()) inputs.push_back(ListContents().file);
+  OutputFile Page(const FleetChoice& choice) const {
+    auto inputs = data_files_;
+    if (inputs.empty() && HasFakeCore()) inputs.push_back(ListContents().file);  // the sample
+    std::ranges::replace(inputs, "-", "/dev/stdin");
     const char* const properties = std::getenv("CADROVA_HOST_PROPS");
     if (properties != nullptr) inputs.emplace_back(properties);
-    return {"--html", *html_, inputs};
+    if (choice.file != nullptr) inputs.push_back(choice.file->path);
+    return {"--html", html_.value_or(""), inputs};
   }
 
   std::optional<std::string> family_, kind_, key_, html_;
   DataOption data_;
+  std::vector<std::string> data_files_;  // as they were named
   FleetOptions fleet_;
-  bool json_ = false, csv_ = false;
+  FormatOption format_{{{"text", ""},
+                        {"json", "Print a JSON array of objects: region, carrier, value, map"},
+                        {"csv", "Print comma-separated values, one line per device"}}};
 };
 
 }  // namespace

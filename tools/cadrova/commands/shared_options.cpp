@@ -1,36 +1,92 @@
 #include "commands/shared_options.h"
 
 #include <algorithm>
+#include <set>
 #include <utility>
 
 #include "cadrova/cadrova.h"
 #include "common/text.h"
 #include "failure.h"
+#include "fleet/suggestions.h"
 #include "lookup/data_source.h"
-#include "lookup/recording.h"
+#include "output/console.h"
 
 namespace cadrova::tools {
 namespace {
 
-std::vector<std::string> SplitCodes(const std::string& text) {
-  std::vector<std::string> codes;
+using Codes = std::vector<std::string>;
+
+Codes SplitCodes(const std::string& text) {
+  constexpr char kBlanks[] = " \t";
+  Codes codes;
   std::size_t begin = 0;
   for (std::size_t comma = 0; comma != std::string::npos; begin = comma + 1) {
     comma = text.find(',', begin);
     std::string code = text.substr(begin, comma - begin);
+    code.erase(0, code.find_first_not_of(kBlanks));
+    code.erase(code.find_last_not_of(kBlanks) + 1);
     if (std::ranges::find(codes, code) == codes.end()) codes.push_back(std::move(code));
   }
   return codes;
 }
 
+enum class CodeType { kRegion, kCarrier };
+
+// What is doubtful about `code`, or "": it is not one of the fleet file, if this declares such
+// codes
+// (`file` may be NULL), or it is not one of the codes that the maps use, but similar to one.
+std::string DoubtOf(const std::string& code, CodeType type, const FleetFile* file,
+                    const Fleet& used) {
+  const bool is_region = type == CodeType::kRegion;
+  const Codes* declared = nullptr;
+  if (file != nullptr) {
+    const auto& codes = is_region ? file->regions : file->carriers;
+    if (codes) declared = &*codes;
+  }
+  const Codes& known = declared != nullptr ? *declared : is_region ? used.regions : used.carriers;
+  if (std::ranges::find(known, code) != known.end()) return "";
+  const auto similar = std::ranges::find_if(
+      known, [&](const std::string& other) { return IsSimilarCode(code, other); });
+  if (declared == nullptr && similar == known.end()) return "";
+  return (declared != nullptr ? "no device in " + file->path + " has " : "no map uses ") +
+         (is_region ? "region " : "carrier ") + DisplayName(code) +
+         (similar == known.end() ? "" : "; did you mean " + DisplayName(*similar) + '?');
+}
+
+// Only once: a command may look at several customization files.
+void WarnOnce(const std::string& line) {
+  static std::set<std::string> warned;
+  if (warned.insert(line).second) PrintError("cadrova: " + line);
+}
+
 }  // namespace
 
 void DataOption::DeclareOptions(Options& options) {
-  options.Add("--data", file_, "FILE", "Customization file for the fake core");
+  options.Add("--data", file_, "FILE",
+              "Customization file, - for standard input (default: CADROVA_HOST_DATA)");
 }
 
-void DataOption::Apply() const {
-  if (file_) LoadData(*file_);
+std::vector<std::string> DataOption::Apply() const {
+  if (file_) {
+    DataFile(*file_).Use();
+    return {*file_};
+  }
+  if (auto file = DefaultDataFile()) return {*std::move(file)};
+  WarnOfSample();
+  return {};
+}
+
+void FleetFileOption::DeclareOptions(Options& options) {
+  options.Add("--fleet", file_, "FILE", "Fleet file (default: cadrova.toml beside the data)");
+}
+
+const FleetFile* FleetFileOption::Read(const std::vector<std::string>& data_files) {
+  std::optional<std::string> path = file_;
+  for (std::size_t i = 0; !path && i < data_files.size(); ++i) path = FindFleetFile(data_files[i]);
+  if (!path) return nullptr;
+  const auto found = read_.find(*path);
+  return found != read_.end() ? &found->second
+                              : &read_.emplace(*path, ReadFleetFile(*path)).first->second;
 }
 
 void QueryOptions::DeclareOptions(Options& options) {
@@ -39,40 +95,103 @@ void QueryOptions::DeclareOptions(Options& options) {
   options.AddRequired("KEY", key_, "Key of the feature");
   options.Add("DEFAULT", default_, "", "Result for a missing item (default: false, 0, 0 or \"\")");
   data_.DeclareOptions(options);
+  fleet_.DeclareOptions(options);
   options.Add("--region", region_, "CODE", "Region code (default: from the property store)");
   options.Add("--carrier", carrier_, "CODE", "Carrier code (default: from the property store)");
   options.AddRepeatable("--sim", sim_items_, "KEY=VALUE",
                         "SIM item to set in the fake core; repeatable");
 }
 
-Query QueryOptions::Apply() const {
+Query QueryOptions::Apply() {
   const Query query = MakeQuery(family_, kind_, key_, default_);
-  data_.Apply();
-  if (region_) OverrideProperty(kRegionCode, *region_);
-  if (carrier_) OverrideProperty(kCarrierCode, *carrier_);
   if (!sim_items_.empty() && !HasFakeCore()) {
     throw Failure("--sim needs the fake core; this core may keep the item for other programs");
   }
   for (const std::string& item : sim_items_) {
+    if (item.find('=') == std::string::npos) {
+      throw Failure("--sim: '" + item + "' is not KEY=VALUE");
+    }
+  }
+  file_ = fleet_.Read(data_.Apply());
+  // SIM items would add the code of this device.
+  if (HasFakeCore()) used_codes_ = FleetOf(ListMapNames());
+  if (region_) OverrideProperty(kRegionCode, *region_);
+  if (carrier_) OverrideProperty(kCarrierCode, *carrier_);
+  for (const std::string& item : sim_items_) {
     const std::size_t equals = item.find('=');
-    if (equals == std::string::npos) throw Failure("--sim: '" + item + "' is not KEY=VALUE");
     android::setSimCadrova(item.substr(0, equals), item.substr(equals + 1));
   }
   return query;
 }
 
-void FleetOptions::DeclareOptions(Options& options) {
-  options.Add("--regions", regions_, "CODES",
-              "Regions, comma-separated (default: all in the data)");
-  options.Add("--carriers", carriers_, "CODES",
-              "Carriers, comma-separated (default: all in the data)");
+void QueryOptions::WarnOfCodes(const Recording& recording) const {
+  if (!HasFakeCore()) return;
+  bool is_any_doubtful = false;
+  // The code of the device, if it is known.
+  const auto check = [&](CodeType type, const std::optional<std::string>& given, const char* option,
+                         const char* property) -> std::optional<std::string> {
+    const auto read = std::ranges::find(recording.properties, property,
+                                        &std::pair<std::string, std::string>::first);
+    if (!given && read == recording.properties.end()) return std::nullopt;
+    std::string code = given ? *given : read->second;
+    const std::string doubt = DoubtOf(code, type, file_, used_codes_);
+    if (doubt.empty()) return code;
+    WarnOnce(std::string(given ? option : property) + ": " + doubt);
+    is_any_doubtful = true;
+    return code;
+  };
+  const auto region = check(CodeType::kRegion, region_, "--region", kRegionCode);
+  const auto carrier = check(CodeType::kCarrier, carrier_, "--carrier", kCarrierCode);
+  if (!region || !carrier || is_any_doubtful || file_ == nullptr || !file_->devices) return;
+  const auto& devices = *file_->devices;
+  if (std::ranges::find(devices, Device(*region, *carrier)) != devices.end()) return;
+  WarnOnce("no device in " + file_->path + " has region " + DisplayName(*region) + " and carrier " +
+           DisplayName(*carrier));
 }
 
-Fleet FleetOptions::ToFleet(const std::vector<std::string>& map_names) const {
-  Fleet fleet = FleetOf(map_names);
-  if (regions_) fleet.regions = SplitCodes(*regions_);
-  if (carriers_) fleet.carriers = SplitCodes(*carriers_);
-  return fleet;
+void FleetOptions::DeclareOptions(Options& options) {
+  file_.DeclareOptions(options);
+  options.Add("--regions", regions_, "CODES",
+              "Regions, comma-separated (default: all in the fleet file or the data)");
+  options.Add("--carriers", carriers_, "CODES",
+              "Carriers, comma-separated (default: all in the fleet file or the data)");
+}
+
+FleetChoice FleetOptions::Choose(const std::vector<std::string>& data_files) {
+  FleetChoice choice = {file_.Read(data_files), {}, {}};
+  if (regions_) choice.regions = SplitCodes(*regions_);
+  if (carriers_) choice.carriers = SplitCodes(*carriers_);
+  return choice;
+}
+
+Fleet FleetChoice::ToFleet(const std::vector<std::string>& map_names) const {
+  const Fleet used = FleetOf(map_names);
+  const bool has_devices = file != nullptr && file->devices;
+  const auto choose = [&](CodeType type, const std::optional<Codes>& given, const char* option) {
+    const bool is_region = type == CodeType::kRegion;
+    if (!given) {
+      const auto* declared = file == nullptr ? nullptr
+                             : is_region     ? &file->regions
+                                             : &file->carriers;
+      if (declared != nullptr && *declared) return **declared;
+      return is_region ? used.regions : used.carriers;
+    }
+    for (const std::string& code : *given) {
+      const std::string doubt = DoubtOf(code, type, file, used);
+      if (doubt.empty()) continue;
+      const std::string line = std::string(option) + ": " + doubt;
+      if (has_devices) throw Failure(line);
+      WarnOnce(line);
+    }
+    return *given;
+  };
+  Fleet codes = {choose(CodeType::kRegion, regions, "--regions"),
+                 choose(CodeType::kCarrier, carriers, "--carriers")};
+  if (!has_devices) return codes;
+  Fleet fleet = SelectDevices(codes, *file->devices);
+  if (!fleet.regions.empty()) return fleet;
+  throw Failure("no device in " + file->path +
+                " has a region of --regions and a carrier of --carriers");
 }
 
 void RefuseCombination(const std::vector<std::pair<std::string, bool>>& options) {

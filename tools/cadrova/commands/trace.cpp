@@ -64,8 +64,14 @@ TraceFile OpenTraceFile(const std::string& file) {
   return {std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(descriptor)), ""};
 }
 
-// Refuses to empty a file that the program may read: its data, or one that an argument names.
-void RefuseInputsOfProgram(const std::string& file, std::vector<std::string> inputs) {
+// Refuses to empty a file that the program may read: its data, its standard input, or one that an
+// argument names, perhaps as the value of an option.
+void RefuseInputsOfProgram(const std::string& file, const std::vector<std::string>& arguments) {
+  std::vector<std::string> inputs = {"/dev/stdin"};
+  for (const std::string& argument : arguments) {
+    inputs.push_back(argument);
+    inputs.push_back(argument.substr(argument.find('=') + 1));
+  }
   for (const char* const name : {"CADROVA_HOST_DATA", "CADROVA_HOST_PROPS"}) {
     const char* const value = std::getenv(name);
     if (value != nullptr) inputs.emplace_back(value);

@@ -1,23 +1,31 @@
 #include "fleet/changes.h"
 
+#include <algorithm>
 #include <map>
+#include <tuple>
+#include <variant>
 
-#include "output/progress.h"
+#include "common/json_text.h"
+#include "common/text.h"
 
 namespace cadrova::tools {
 
 std::vector<Change> FindChanges(const FleetChains& chains, const Results& before,
                                 const Results& after) {
+  const auto is_changed = [&](ChainMaps chain) {
+    return !IsSame(before.Get(chain), after.Get(chain));
+  };
   std::vector<Change> changes;
-  if (before.AreSame(after)) return changes;
+  if (std::ranges::none_of(chains.DistinctChains({&before, &after}), is_changed)) return changes;
   constexpr std::size_t kNoChange = -1;
   std::map<std::pair<const Result*, const Result*>, std::size_t> numbers;
   for (std::size_t region = 0; region < chains.fleet().regions.size(); ++region) {
     for (std::size_t carrier = 0; carrier < chains.fleet().carriers.size(); ++carrier) {
-      const MapIds chain = chains.Get(region, carrier);
+      if (!chains.fleet().Has(region, carrier)) continue;
+      const ChainMaps chain = chains.Get(region, carrier);
       const std::pair results(&before.Get(chain), &after.Get(chain));
       const auto [number, is_new] = numbers.try_emplace(results, kNoChange);
-      if (is_new && !IsSame(*results.first, *results.second)) {
+      if (is_new && is_changed(chain)) {
         number->second = changes.size();
         changes.push_back({results.first, results.second, {}});
       }
@@ -28,16 +36,33 @@ std::vector<Change> FindChanges(const FleetChains& chains, const Results& before
   return changes;
 }
 
-std::vector<std::optional<Results>> CollectAll(const FleetChains& chains,
-                                               const std::vector<Feature>& features) {
-  std::vector<std::optional<Results>> results(features.size());
-  Progress progress("looking up each feature");
-  for (std::size_t i = 0; i < features.size(); ++i) {
-    progress.Show(i, features.size());
-    const auto& [key, kind, maps] = features[i];
-    if (chains.family().Has(kind)) results[i] = chains.Collect(kind, key, &maps);
-  }
-  return results;
+std::optional<ElementChanges> CompareElements(const Value& before, const Value& after) {
+  const auto compare = [&]<class T>(const T& old_list) -> std::optional<ElementChanges> {
+    if constexpr (kIsList<T>) {
+      ElementChanges changes;
+      for (const auto& element : old_list) changes.removed.push_back(ToJsonText(element));
+      for (const auto& element : std::get<T>(after)) {
+        const std::string text = ToJsonText(element);
+        const auto found = std::ranges::find(changes.removed, text);
+        if (found == changes.removed.end()) {
+          changes.added.push_back(text);
+        } else {
+          changes.removed.erase(found);
+        }
+      }
+      return changes;
+    }
+    return std::nullopt;
+  };
+  return std::visit(compare, before);
+}
+
+host::Place PlaceOf(const host::Contents& contents, const std::string& map,
+                    const std::string& key) {
+  const auto id = [](const host::Contents::Item& item) { return std::tie(item.map, item.key); };
+  const auto found = std::ranges::lower_bound(contents.items, std::tie(map, key), {}, id);
+  const bool is_there = found != contents.items.end() && id(*found) == std::tie(map, key);
+  return is_there ? found->place : host::Place();
 }
 
 }  // namespace cadrova::tools

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "fleet/feature_index.h"
+#include "cadrova/host.h"
 #include "fleet/results.h"
 
 namespace cadrova::tools {
@@ -22,9 +22,15 @@ struct Change {
 std::vector<Change> FindChanges(const FleetChains& chains, const Results& before,
                                 const Results& after);
 
-// The results of each feature with the current data of the core. None if the family has no lookup
-// of the kind.
-std::vector<std::optional<Results>> CollectAll(const FleetChains& chains,
-                                               const std::vector<Feature>& features);
+// The elements that only one of two lists contains, as JSON, in the order of the lists. An element
+// that a list contains twice counts twice.
+struct ElementChanges {
+  std::vector<std::string> removed, added;
+};
+// Nothing if the values are no lists.
+std::optional<ElementChanges> CompareElements(const Value& before, const Value& after);
+
+// The place of the item in the file, or line 0 if it has none.
+host::Place PlaceOf(const host::Contents& contents, const std::string& map, const std::string& key);
 
 }  // namespace cadrova::tools

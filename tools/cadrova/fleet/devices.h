@@ -1,7 +1,11 @@
-// The devices that the command looks up features on: each region with each carrier.
+// The devices that the command looks up features on.
 #pragma once
 
+#include <map>
+#include <optional>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 namespace cadrova::tools {
@@ -9,9 +13,32 @@ namespace cadrova::tools {
 // Region and carrier codes. An empty code means that the property is unset.
 struct Fleet {
   std::vector<std::string> regions, carriers;
+  // Whether the fleet has a device with this region and carrier, by region and then carrier. Empty
+  // if it has each region with each carrier.
+  std::vector<bool> has_device = {};
 
-  std::size_t size() const { return regions.size() * carriers.size(); }
+  bool Has(std::size_t region, std::size_t carrier) const {
+    return has_device.empty() || has_device[region * carriers.size() + carrier];
+  }
 };
+
+// The parts of map names, from which the codes of a fleet are derived.
+constexpr std::string_view kDefault = "DEFAULT", kSimDefault = "SIM_DEFAULT";
+constexpr std::string_view kCarrierPrefix = "COTA_", kSimPrefix = "SIM_";
+
+struct NameCodes {
+  std::optional<std::string> region, carrier;
+};
+
+// The codes in the name of each map.
+std::map<std::string, NameCodes> CodesInNames(const std::vector<std::string>& map_names);
+
+// A region code and a carrier code.
+using Device = std::pair<std::string, std::string>;
+
+// Those of `devices` whose codes are in `codes`, in the order of these. Codes without a device are
+// left out.
+Fleet SelectDevices(const Fleet& codes, const std::vector<Device>& devices);
 
 // The codes in the names of these maps, and the empty codes.
 Fleet FleetOf(const std::vector<std::string>& map_names);

@@ -10,16 +10,18 @@ namespace cadrova::tools {
 using host::Contents;
 using host::Kind;
 
-std::vector<Feature> IndexFeatures(const Contents& contents) {
+std::vector<Feature> IndexFeatures(std::initializer_list<const Contents*> all_contents) {
   struct KeyInfo {
     std::set<Kind> kinds;  // of all items except empty lists
     std::vector<const Contents::Item*> items;
   };
   std::map<std::string_view, KeyInfo> keys;
-  for (const Contents::Item& item : contents.items) {
-    auto& [kinds, items] = keys[item.key];
-    if (item.kinds.size() == 1) kinds.insert(item.kinds[0]);
-    items.push_back(&item);
+  for (const Contents* contents : all_contents) {
+    for (const Contents::Item& item : contents->items) {
+      auto& [kinds, items] = keys[item.key];
+      if (item.kinds.size() == 1) kinds.insert(item.kinds[0]);
+      items.push_back(&item);
+    }
   }
   std::vector<Feature> features;
   for (auto& [key, info] : keys) {
@@ -35,7 +37,7 @@ std::vector<Feature> IndexFeatures(const Contents& contents) {
           feature.maps.push_back(item->map);
         }
       }
-      // If the contents are those of two files, maps occur twice.
+      // Maps that occur in several contents are listed once.
       std::ranges::sort(feature.maps);
       const auto duplicates = std::ranges::unique(feature.maps);
       feature.maps.erase(duplicates.begin(), duplicates.end());

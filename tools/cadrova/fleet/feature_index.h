@@ -1,6 +1,7 @@
 // The contents of a core, by feature.
 #pragma once
 
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -15,9 +16,9 @@ struct Feature {
   std::vector<std::string> maps;
 };
 
-// All features, sorted by key and kind. An empty list has the list kinds that its key has in other
-// maps, or every list kind if there are none.
-std::vector<Feature> IndexFeatures(const host::Contents& contents);
+// All features in these contents, sorted by key and kind. An empty list has the list kinds that its
+// key has in other maps, or every list kind if there are none.
+std::vector<Feature> IndexFeatures(std::initializer_list<const host::Contents*> all_contents);
 
 std::vector<std::string> MapNames(const host::Contents& contents);
 

@@ -5,12 +5,17 @@
 #include <optional>
 #include <set>
 #include <tuple>
+#include <unordered_map>
+#include <unordered_set>
 #include <utility>
 
+#include "common/json_text.h"
 #include "common/text.h"
 #include "fleet/feature_index.h"
+#include "fleet/map_name_suggestions.h"
 #include "fleet/results.h"
 #include "fleet/suggestions.h"
+#include "output/capture.h"
 #include "output/progress.h"
 
 namespace cadrova::tools {
@@ -21,46 +26,54 @@ using host::Place;
 using Item = Contents::Item;
 using ItemsByKey = std::map<std::string, std::vector<const Item*>>;  // in the order of the file
 
+constexpr FindingType kTypes[] = {
+    {"syntax", true, "invalid TOML"},
+    {"value", true, "a value of none of the seven kinds, or an invalid name"},
+    {"kind-conflict", true, "a key of another kind than in DEFAULT or its first map"},
+    {"sim-float", true, "a float in a SIM map, which no lookup reads"},
+    {"unknown-map", true, "a map that no device consults"},
+    {"similar-map", false, "a map whose name may be mistyped"},
+    {"misspelt-key", false, "a key in only one map that is similar to another key"},
+    {"not-in-default", false, "a key that is not in DEFAULT"},
+    {"redundant-value", false, "a value that can be removed without changing a lookup"},
+    {"empty-file", false, "a file without items"},
+    {"unused-allow", false, "an entry of allow that no finding matches"},
+};
+
 // One function per type of finding.
 class Checker {
  public:
-  Checker(const Contents& contents, const Fleet& fleet) : contents_(contents) {
+  Checker(const Contents& contents, const Fleet& fleet) : contents_(contents), fleet_(fleet) {
     for (const Item& item : contents_.items) items_[item.key].push_back(&item);
     for (auto& [key, items] : items_) {
       std::ranges::sort(items, {},
                         [](const Item* item) { return std::tie(item->place.line, item->map); });
     }
-    for (const Family& family : Families()) {
-      if (family.is_checked) chains_.emplace_back(family, fleet);
-    }
-    for (const FleetChains& chains : chains_) {
-      for (std::string& name : chains.MapNames()) consulted_.insert(std::move(name));
-    }
+    const auto maps = MapNames(contents);
+    for (const Family& family : Families()) chains_.emplace_back(family, fleet, &maps);
   }
 
+  void CheckEmptiness();
   void CheckKinds();
   void CheckKeys();
-  void CheckMaps();
-  void CheckMapsOfSimilarNames();
+  void CheckMaps(bool has_derived_codes);
   void CheckRedundancy();
 
   std::vector<Finding> TakeFindings() { return std::move(findings_); }
 
  private:
-  using MapAndKey = std::pair<std::string, std::string>;
-
-  void AddError(Place place, const std::string& message) {
-    findings_.push_back({place, true, message});
+  void Add(const char* type, Place place, const std::string& message, const std::string& map = "",
+           const std::string& key = "") {
+    findings_.push_back(MakeFinding(type, contents_.file, place, message, map, key));
   }
-  void AddWarning(Place place, const std::string& message) {
-    findings_.push_back({place, false, message});
+  void Add(const char* type, const Item& item, const std::string& message) {
+    Add(type, item.place, message, item.map, item.key);
   }
-  void AddNeeded(const Feature& feature, const FleetChains& chains, std::set<MapAndKey>& needed);
 
   const Contents& contents_;
+  const Fleet& fleet_;
   ItemsByKey items_;
   std::vector<FleetChains> chains_;
-  std::set<std::string> consulted_;  // names of maps
   std::vector<Finding> findings_;
 };
 
@@ -90,18 +103,24 @@ const Item& DecidingItem(const std::vector<const Item*>& items) {
   return found == items.end() ? *items[0] : **found;
 }
 
+void Checker::CheckEmptiness() {
+  if (contents_.items.empty()) Add("empty-file", Place(), "no map contains an item");
+}
+
 void Checker::CheckKinds() {
   for (const auto& [key, items] : items_) {
     const Item& deciding = DecidingItem(items);
     for (const Item* item : items) {
       const auto& kinds = item->kinds;
       if (std::ranges::find(kinds, deciding.kinds[0]) == kinds.end()) {
-        AddError(item->place, DisplayName(key) + " is " + KindName(*item) + " here, but " +
-                                  KindName(deciding) + " in " + DisplayName(deciding.map));
+        Add("kind-conflict", *item,
+            DisplayName(key) + " is " + KindName(*item) + " here, but " + KindName(deciding) +
+                " in " + DisplayName(deciding.map) + ", line " +
+                std::to_string(deciding.place.line));
       }
       if (item->map.starts_with("SIM_") && kinds[0] == Kind::kFloat) {
-        AddError(item->place,
-                 DisplayName(key) + " is a float; no lookup reads floats from SIM maps");
+        Add("sim-float", *item,
+            DisplayName(key) + " is a float; no lookup reads floats from SIM maps");
       }
     }
   }
@@ -113,6 +132,10 @@ void Checker::CheckKeys() {
   keys.reserve(items_.size());
   for (const auto& [key, items] : items_) keys.push_back(key);
   const SuggestionIndex index(std::move(keys));
+  const bool has_default =
+      std::ranges::find(contents_.maps, kDefault, &Contents::Map::name) != contents_.maps.end();
+  if (!has_default && !items_.empty())
+    Add("not-in-default", Place(), "the file has no map DEFAULT");
   for (const auto& [key, items] : items_) {
     const Item& first = *items[0];
     if (items.size() == 1) {
@@ -122,78 +145,165 @@ void Checker::CheckKeys() {
         return !IsInMap(first.map, others) && (others.size() > 1 || IsInMap("DEFAULT", others));
       });
       if (meant != suggestions.end()) {
-        AddWarning(first.place, "only " + DisplayName(first.map) + " contains " + DisplayName(key) +
-                                    DidYouMean(meant->name));
+        Add("misspelt-key", first,
+            "only " + DisplayName(first.map) + " contains " + DisplayName(key) +
+                DidYouMean(meant->name));
         continue;
       }
     }
-    if (!IsInMap("DEFAULT", items)) {
-      AddWarning(first.place, DisplayName(key) + " is not in DEFAULT");
+    if (has_default && !IsInMap("DEFAULT", items)) {
+      Add("not-in-default", first, DisplayName(key) + " is not in DEFAULT");
     }
   }
 }
 
-void Checker::CheckMaps() {
-  std::optional<SuggestionIndex> index;
-  for (const auto& [map, place] : contents_.maps) {
-    if (consulted_.contains(map)) continue;
-    if (!index) index.emplace(std::vector(consulted_.begin(), consulted_.end()));
-    const auto suggestions = index->Suggest(map);
-    AddError(place, "no device consults " + DisplayName(map) +
-                        (suggestions.empty() ? "" : DidYouMean(suggestions[0].name)));
+void Checker::CheckMaps(bool has_derived_codes) {
+  std::unordered_set<std::string> consulted;
+  for (const FleetChains& chains : chains_) {
+    for (std::string& name : chains.MapNames()) consulted.insert(std::move(name));
   }
-}
-
-void Checker::CheckMapsOfSimilarNames() {
   auto maps = contents_.maps;
   std::ranges::sort(maps, {}, [](const auto& map) { return std::tie(map.place.line, map.name); });
-  std::map<std::string, std::string> names;
+  std::vector<std::string> names(maps.size());
+  std::ranges::transform(maps, names.begin(), &Contents::Map::name);
+  const MapNameSuggestions suggestions(names, has_derived_codes ? nullptr : &fleet_);
   for (const auto& [map, place] : maps) {
-    const auto [first, is_new] = names.try_emplace(SortedWords(map), map);
-    if (is_new || first->first.empty()) continue;
-    AddWarning(place, DisplayName(map) + " differs from " + DisplayName(first->second) +
-                          " only in case, word order or separators");
-  }
-}
-
-// Adds each item whose removal changes a lookup of the family on some device.
-void Checker::AddNeeded(const Feature& feature, const FleetChains& chains,
-                        std::set<MapAndKey>& needed) {
-  const Results results = chains.Collect(feature.kind, feature.key, &feature.maps);
-  std::set<std::pair<const Result*, const Result*>> compared;
-  for (std::size_t region = 0; region < chains.fleet().regions.size(); ++region) {
-    for (std::size_t carrier = 0; carrier < chains.fleet().carriers.size(); ++carrier) {
-      MapIds chain = chains.Get(region, carrier);
-      const auto [result, position] = results.Find(chain);
-      if (!result->map) continue;
-      // A chain may contain the same map twice.
-      const Result* without = result;
-      for (std::size_t next = position; without->map == result->map && next < chain.size();) {
-        chain = chain.subspan(next + 1);
-        std::tie(without, next) = results.Find(chain);
-      }
-      if (compared.emplace(result, without).second && !IsSame(*result, *without)) {
-        needed.emplace(*result->map, feature.key);
-      }
+    const bool is_consulted = consulted.contains(map);
+    if (is_consulted && !has_derived_codes) continue;
+    const auto suggestion = suggestions.Suggest(map);
+    const std::string did_you_mean = suggestion ? DidYouMean(*suggestion) : "";
+    if (!is_consulted) {
+      Add("unknown-map", place, "no device consults " + DisplayName(map) + did_you_mean, map);
+    } else if (suggestion) {
+      Add("similar-map", place, DisplayName(map) + " may be mistyped" + did_you_mean, map);
     }
   }
 }
+
+// The chains that the lookups of one key consult, with only the items that exist.
+class KeyChains {
+ public:
+  struct Entry {
+    std::size_t item;
+    std::size_t value;  // a number; equal values have the same
+  };
+  using Chain = std::vector<Entry>;
+
+  explicit KeyChains(const std::vector<const Item*>& items) : chains_of_(items.size()) {
+    for (std::size_t i = 0; i < items.size(); ++i) numbers_.emplace(items[i]->map, i);
+  }
+
+  void Add(const FleetChains& chains, const Results& results) {
+    for (const ChainMaps& maps : chains.DistinctChains({&results})) {
+      Chain chain;
+      for (const auto& [id, position] : maps) {
+        const auto result = results.by_map().find(id);
+        if (result == results.by_map().end()) continue;
+        const std::size_t item = numbers_.at(chains.MapName(id));
+        chain.push_back({item, NumberOf(result->second)});
+        auto& [containing, distance] = chains_of_[item];
+        containing.push_back(chains_.size());
+        distance = std::max(distance, chains.length() - position);
+      }
+      chains_.push_back(std::move(chain));
+      missing_values_.push_back(NumberOf(results.missing()));
+    }
+  }
+
+  // The items that can be removed together. Each is tested as if those before it were removed, so
+  // the test begins with the items that are nearest the device.
+  std::vector<std::size_t> FindRedundant(std::size_t item_in_default) const {
+    std::vector<std::size_t> order, redundant;
+    for (std::size_t item = 0; item < chains_of_.size(); ++item) {
+      if (item != item_in_default && chains_of_[item].distance > 0) order.push_back(item);
+    }
+    std::ranges::stable_sort(order, std::greater(),
+                             [&](std::size_t item) { return chains_of_[item].distance; });
+    std::vector<bool> is_removed(chains_of_.size());
+    // An item that was needed may no longer be so when others are removed.
+    for (std::size_t found = 1; found > 0; found = std::erase_if(order, [&](std::size_t item) {
+                                             return static_cast<bool>(is_removed[item]);
+                                           })) {
+      for (const std::size_t item : order) {
+        const auto is_needed_in = [&](std::size_t chain) {
+          return IsNeeded(item, chain, is_removed);
+        };
+        is_removed[item] = std::ranges::none_of(chains_of_[item].chains, is_needed_in);
+        if (is_removed[item]) redundant.push_back(item);
+      }
+    }
+    return redundant;
+  }
+
+ private:
+  struct ChainsOfItem {
+    std::vector<std::size_t> chains;
+    std::size_t distance = 0;  // the longest one to the end of a chain
+  };
+
+  std::size_t NumberOf(const Result& result) {
+    const std::string text = result.map ? ToJsonText(result.value) : "";
+    return values_.try_emplace(text, values_.size()).first->second;
+  }
+
+  // Whether a device with this chain gets another value without the item.
+  bool IsNeeded(std::size_t item, std::size_t number, const std::vector<bool>& is_removed) const {
+    const Chain& chain = chains_[number];
+    const auto is_left = [&](const Entry& entry) { return !is_removed[entry.item]; };
+    const auto source = std::ranges::find_if(chain, is_left);
+    if (source->item != item) return false;
+    // A chain may contain the same map twice.
+    const auto next = std::find_if(source, chain.end(), [&](const Entry& entry) {
+      return is_left(entry) && entry.item != item;
+    });
+    return source->value != (next == chain.end() ? missing_values_[number] : next->value);
+  }
+
+  std::unordered_map<std::string_view, std::size_t> numbers_;  // of the items, by map
+  std::vector<Chain> chains_;
+  std::vector<std::size_t> missing_values_;  // of each chain, if no map contains the item
+  std::vector<ChainsOfItem> chains_of_;      // by item
+  std::unordered_map<std::string, std::size_t> values_;
+};
 
 // Items of DEFAULT are never reported: DEFAULT contains the values that other maps replace.
 void Checker::CheckRedundancy() {
-  const auto features = IndexFeatures(contents_);
-  std::set<MapAndKey> needed;
+  const auto features = IndexFeatures({&contents_});
   Progress progress("looking up each feature");
-  for (std::size_t i = 0; i < features.size(); ++i) {
-    progress.Show(i, features.size());
-    for (const FleetChains& chains : chains_) {
-      if (chains.family().Has(features[i].kind)) AddNeeded(features[i], chains, needed);
+  for (auto feature = features.begin(); feature != features.end();) {
+    progress.Show(static_cast<std::size_t>(feature - features.begin()), features.size());
+    const std::string& key = feature->key;
+    const auto& items = items_.at(key);
+    const auto in_default = std::ranges::find(items, kDefault, &Item::map) - items.begin();
+    const bool is_only_in_default = items.size() == 1 && in_default == 0;
+    KeyChains key_chains(items);
+    std::set<Kind> added;
+    const auto add = [&](Kind kind, const std::vector<std::string>& maps) {
+      added.insert(kind);
+      for (const FleetChains& chains : chains_) {
+        if (is_only_in_default || !chains.family().Has(kind)) continue;
+        key_chains.Add(chains, chains.Collect(kind, key, &maps));
+      }
+    };
+    for (; feature != features.end() && feature->key == key; ++feature) {
+      add(feature->kind, feature->maps);
     }
-  }
-  for (const auto& [map, key, kinds, place] : contents_.items) {
-    if (map == "DEFAULT" || !consulted_.contains(map) || needed.contains({map, key})) continue;
-    AddWarning(place, "redundant: without " + DisplayName(key) +
-                          " here, every lookup on every device returns the same");
+    // Lookups of the other list kinds find only the empty lists.
+    std::vector<std::string> maps;
+    std::set<Kind> kinds;
+    for (const Item* item : items) {
+      if (!IsEmptyList(*item)) continue;
+      maps.push_back(item->map);
+      kinds.insert(item->kinds.begin(), item->kinds.end());
+    }
+    for (const Kind kind : kinds) {
+      if (!added.contains(kind)) add(kind, maps);
+    }
+    for (const std::size_t item : key_chains.FindRedundant(static_cast<std::size_t>(in_default))) {
+      Add("redundant-value", *items[item],
+          "redundant: without " + DisplayName(key) +
+              " here, every lookup on every device returns the same");
+    }
   }
 }
 
@@ -201,8 +311,7 @@ void Checker::CheckRedundancy() {
 
 std::vector<Finding> Sorted(std::vector<Finding> findings) {
   const auto rank = [](const Finding& finding) {
-    const auto& [place, is_error, message] = finding;
-    return std::tuple(place.line, place.column, !is_error, message);
+    return std::tuple(finding.place.line, finding.place.column, !finding.is_error, finding.message);
   };
   std::ranges::sort(findings, {}, rank);
   std::vector<Finding> sorted;
@@ -214,14 +323,22 @@ std::vector<Finding> Sorted(std::vector<Finding> findings) {
   return sorted;
 }
 
+std::span<const FindingType> FindingTypes() { return kTypes; }
+
+Finding MakeFinding(const std::string& type, const std::string& file, Place place,
+                    const std::string& message, const std::string& map, const std::string& key) {
+  const auto* const found = std::ranges::find(kTypes, type, &FindingType::name);
+  return {found, found->is_error, file, place, message, map, key};
+}
+
 std::vector<Finding> CheckContents(const Contents& contents, const Fleet& fleet,
                                    bool has_derived_codes) {
   Checker checker(contents, fleet);
+  checker.CheckEmptiness();
   checker.CheckKinds();
   checker.CheckKeys();
-  checker.CheckMaps();
-  if (has_derived_codes) checker.CheckMapsOfSimilarNames();
-  checker.CheckRedundancy();
+  checker.CheckMaps(has_derived_codes);
+  DiscardStdout([&] { checker.CheckRedundancy(); });
   return Sorted(checker.TakeFindings());
 }
 

@@ -1,6 +1,7 @@
 // What is wrong or redundant in a customization file.
 #pragma once
 
+#include <span>
 #include <string>
 #include <vector>
 
@@ -9,11 +10,26 @@
 
 namespace cadrova::tools {
 
-struct Finding {
-  host::Place place;
+// The name of a type of finding is part of the interface.
+struct FindingType {
+  const char* name;
   bool is_error;  // or else a warning
-  std::string message;
+  const char* description;
 };
+std::span<const FindingType> FindingTypes();
+
+struct Finding {
+  const FindingType* type;
+  bool is_error;
+  std::string file;   // as the user named it
+  host::Place place;  // line 0 for the whole file, column 0 for the whole line
+  std::string message;
+  std::string map, key;  // that the finding is about, if any
+};
+
+Finding MakeFinding(const std::string& type, const std::string& file, host::Place place,
+                    const std::string& message, const std::string& map = "",
+                    const std::string& key = "");
 
 // In the order of the file, without duplicates, and without warnings at the place of an error.
 std::vector<Finding> Sorted(std::vector<Finding> findings);

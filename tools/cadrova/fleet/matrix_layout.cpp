@@ -87,6 +87,7 @@ MatrixLayout LayOut(const FleetChains& chains, const Results& results) {
   std::unordered_map<const Result*, std::size_t> devices;  // how many get this result
   for (std::size_t carrier = 0; carrier < fleet.carriers.size(); ++carrier) {
     for (std::size_t region = 0; region < fleet.regions.size(); ++region) {
+      if (!fleet.Has(region, carrier)) continue;
       const auto [result, position] = results.Find(chains.Get(region, carrier));
       columns[carrier][region] = {result, position};
       ++devices[result];
@@ -97,12 +98,12 @@ MatrixLayout LayOut(const FleetChains& chains, const Results& results) {
   for (std::size_t carrier = 0; carrier < fleet.carriers.size(); ++carrier) {
     for (std::size_t region = 0; region < fleet.regions.size(); ++region) {
       Cell& cell = columns[carrier][region];
-      if (devices[cell.result] > 1) continue;
+      if (cell.result == nullptr || devices[cell.result] > 1) continue;
       layout.exceptions.push_back({region, carrier, cell});
-      const MapIds chain = chains.Get(region, carrier);
-      while (devices[cell.result] <= 1 && cell.position < chain.size()) {
-        const auto [result, position] = results.Find(chain.subspan(cell.position + 1));
-        cell = {result, cell.position + 1 + position};
+      while (devices[cell.result] <= 1 && cell.result->map) {
+        const auto [result, position] =
+            results.Find(chains.Get(region, carrier), cell.position + 1);
+        cell = {result, position};
       }
     }
   }

@@ -10,8 +10,8 @@ namespace cadrova::tools {
 
 // The result of one device, and the position of its map in the chain.
 struct Cell {
-  const Result* result;
-  std::size_t position;
+  const Result* result = nullptr;  // NULL if the fleet has no such device
+  std::uint32_t position = 0;
 
   auto operator<=>(const Cell&) const = default;
 };

@@ -57,7 +57,21 @@ bool DifferOnlyInNumbers(const std::string& one, const std::string& other) {
   return i == one.size() && j == other.size();
 }
 
-// Hashes of the name, its words, the name without its first level, and the name without one byte.
+std::string WithoutDigits(std::string text) {
+  std::erase_if(text, [](char byte) { return byte >= '0' && byte <= '9'; });
+  return text;
+}
+
+std::string WithoutDoubledLetters(std::string lower) {
+  const auto is_doubled = [](char one, char next) {
+    return one == next && std::isalpha(static_cast<unsigned char>(one)) != 0;
+  };
+  lower.erase(std::ranges::unique(lower, is_doubled).begin(), lower.end());
+  return lower;
+}
+
+// Different hashes of the name, its words, the name without its first level, and the name without
+// one byte.
 std::vector<std::size_t> Hashes(const std::string& name) {
   const std::hash<std::string> hash;
   const std::string lower = ToLower(name);
@@ -67,12 +81,13 @@ std::vector<std::size_t> Hashes(const std::string& name) {
   for (std::size_t i = 0; i < lower.size(); ++i) {
     hashes.push_back(hash(std::string(lower).erase(i, 1)));
   }
+  std::ranges::sort(hashes);
+  hashes.erase(std::ranges::unique(hashes).begin(), hashes.end());
   return hashes;
 }
 
-}  // namespace
-
-std::string SortedWords(const std::string& name) {
+// In lower case.
+std::vector<std::string> Words(const std::string& name) {
   std::vector<std::string> words(1);
   for (const char byte : ToLower(name)) {
     const auto code = static_cast<unsigned char>(byte);
@@ -82,6 +97,28 @@ std::string SortedWords(const std::string& name) {
       words.back() += byte;
     }
   }
+  return words;
+}
+
+bool IsSimilarWord(const std::string& a, const std::string& b) {
+  if (EditDistance(a, b) != 1) return false;
+  return WithoutDoubledLetters(a) == WithoutDoubledLetters(b) ||
+         (std::min(a.size(), b.size()) >= 4 && WithoutDigits(a) != WithoutDigits(b));
+}
+
+}  // namespace
+
+bool IsSimilarCode(const std::string& code, const std::string& other) {
+  const auto words = Words(code), other_words = Words(other);
+  if (words.size() != other_words.size()) return IsSimilarWord(ToLower(code), ToLower(other));
+  const auto [word, other_word] = std::ranges::mismatch(words, other_words);
+  if (word == words.end()) return code != other;
+  return IsSimilarWord(*word, *other_word) &&
+         std::equal(word + 1, words.end(), other_word + 1, other_words.end());
+}
+
+std::string SortedWords(const std::string& name) {
+  auto words = Words(name);
   std::ranges::sort(words);
   std::string sorted;
   for (const std::string& word : words) sorted += word.empty() ? "" : word + ' ';

@@ -27,6 +27,12 @@ Suggestion Compare(const std::string& name, const std::string& existing);
 std::vector<Suggestion> Suggest(const std::string& name,
                                 const std::vector<std::string>& candidates);
 
+// Whether `code` may be a mistyped `other`, where both are regions or both are carriers: they
+// differ only in case, in one doubled letter, or, if both have at least four bytes, in one edit of
+// anything but a digit. Almost all shorter codes are within one edit: US is not a mistyped UK, nor
+// X1 of X2.
+bool IsSimilarCode(const std::string& code, const std::string& other);
+
 // The words of `name`, independent of their case, order and separators.
 std::string SortedWords(const std::string& name);
 

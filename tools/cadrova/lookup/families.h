@@ -26,8 +26,7 @@ struct LookupFunction {
 struct Family {
   const char* name;
   const char* infix;                               // in the names of its functions
-  bool is_compared;                                // by diff and the report, if no family is given
-  bool is_checked;                                 // by check
+  bool is_reported;                                // in the report of all features
   std::array<LookupFunction, kKindCount> lookups;  // by kind
 
   bool Has(Kind kind) const { return lookups[static_cast<std::size_t>(kind)].call != nullptr; }

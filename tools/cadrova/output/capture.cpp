@@ -39,9 +39,13 @@ std::string CaptureStdout(const std::function<void()>& action) {
 }
 
 void DiscardStdout(const std::function<void()>& action) {
+  static bool is_discarded = false;
+  if (is_discarded) return action();
+  is_discarded = true;
   const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
   RedirectStdout(nowhere, action);
   close(nowhere);
+  is_discarded = false;
 }
 
 }  // namespace cadrova::tools

@@ -43,10 +43,11 @@ std::vector<std::string> MapTypeNames(const Family& family) {
 std::string StyleName(std::size_t map_type) { return 'p' + std::to_string(map_type); }
 
 std::string CellStyle(const Cell& cell, const std::vector<std::string>& styles) {
-  return cell.result->map ? styles[cell.position] : "none";
+  return cell.result != nullptr && cell.result->map ? styles[cell.position] : "none";
 }
 
 std::string CellHtml(const Cell& cell) {
+  if (cell.result == nullptr) return "";
   const auto& [value, map] = *cell.result;
   if (!map) return "<small>no map</small>";
   return Escaped(ToJsonText(value)) + " <small>" + Escaped(DisplayName(*map)) + "</small>";

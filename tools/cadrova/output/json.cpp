@@ -29,11 +29,18 @@ Json FromResult(const Result& result) {
   return {{"value", FromValue(result.value)}, {"map", FromOptional(result.map)}};
 }
 
+// A line or column that is not known is null.
+void AddPlace(Json& json, const std::string& file, const host::Place& place) {
+  json["file"] = file;
+  json["line"] = place.line == 0 ? Json() : Json(place.line);
+  json["column"] = place.column == 0 ? Json() : Json(place.column);
+}
+
 std::string ToLine(const Json& json) {
   try {
     return json.dump();
   } catch (const Json::exception&) {
-    throw Failure("JSON can't contain text that is not UTF-8; use the command without --json");
+    throw Failure("JSON can't contain text that is not UTF-8; use --format text");
   }
 }
 
@@ -81,10 +88,11 @@ void JsonArrayPrinter::Add(const std::string& json) {
 void JsonArrayPrinter::Finish() { Print(text_ + (is_empty_ ? "]\n" : "\n]\n")); }
 
 void PrintJson(const FleetChains& chains, const Results& results) {
-  const auto& [regions, carriers] = chains.fleet();
+  const auto& [regions, carriers, has_device] = chains.fleet();
   JsonArrayPrinter array;
   for (std::size_t region = 0; region < regions.size(); ++region) {
     for (std::size_t carrier = 0; carrier < carriers.size(); ++carrier) {
+      if (!chains.fleet().Has(region, carrier)) continue;
       const Result& result = results.Get(chains.Get(region, carrier));
       array.Add(ToLine({{"region", regions[region]},
                         {"carrier", carriers[carrier]},
@@ -95,17 +103,32 @@ void PrintJson(const FleetChains& chains, const Results& results) {
   array.Finish();
 }
 
-void AddChange(JsonArrayPrinter& array, const Feature& feature, const FleetChains& chains,
-               const Change& change) {
+void AddChange(JsonArrayPrinter& array, const ChangeContext& context, const Change& change) {
+  const auto& [feature, family, fleet, before, after] = context;
+  const auto from_result = [&](const host::Contents& contents, const Result& result) {
+    Json json = FromResult(result);
+    const auto place = result.map ? PlaceOf(contents, *result.map, feature.key) : host::Place();
+    AddPlace(json, contents.file, place);
+    return json;
+  };
   for (const auto& [region, carrier] : change.devices) {
-    array.Add(ToLine({{"family", chains.family().name},
+    array.Add(ToLine({{"family", family.name},
                       {"kind", ToString(feature.kind)},
                       {"key", feature.key},
-                      {"region", chains.fleet().regions[region]},
-                      {"carrier", chains.fleet().carriers[carrier]},
-                      {"old", FromResult(*change.before)},
-                      {"new", FromResult(*change.after)}}));
+                      {"region", fleet.regions[region]},
+                      {"carrier", fleet.carriers[carrier]},
+                      {"old", from_result(before, *change.before)},
+                      {"new", from_result(after, *change.after)}}));
   }
+}
+
+std::string ToJson(const Finding& finding) {
+  Json json = {{"finding", finding.type->name},
+               {"level", finding.is_error ? "error" : "warning"},
+               {"message", finding.message}};
+  AddPlace(json, finding.file, finding.place);
+  // The name of the file need not be UTF-8.
+  return json.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
 }  // namespace cadrova::tools

@@ -5,6 +5,8 @@
 #include <string>
 
 #include "fleet/changes.h"
+#include "fleet/feature_index.h"
+#include "fleet/findings.h"
 #include "lookup/explanation.h"
 
 namespace cadrova::tools {
@@ -27,7 +29,14 @@ class JsonArrayPrinter {
 
 // One element per device.
 void PrintJson(const FleetChains& chains, const Results& results);
-void AddChange(JsonArrayPrinter& array, const Feature& feature, const FleetChains& chains,
-               const Change& change);
+struct ChangeContext {
+  const Feature& feature;
+  const Family& family;
+  const Fleet& fleet;
+  const host::Contents &before, &after;
+};
+void AddChange(JsonArrayPrinter& array, const ChangeContext& context, const Change& change);
+
+std::string ToJson(const Finding& finding);
 
 }  // namespace cadrova::tools

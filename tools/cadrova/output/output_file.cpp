@@ -6,6 +6,7 @@
 #include <sys/vfs.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <filesystem>
@@ -107,11 +108,11 @@ void RefuseInputs(const std::string& option, const std::string& path,
                   const std::vector<std::string>& inputs) {
   struct stat status;
   if (stat(path.c_str(), &status) == 0 && S_ISCHR(status.st_mode)) return;
-  for (const std::string& input : inputs) {
-    if (!IsSameFile(path, input)) continue;
-    throw Failure(option + ' ' + path + ": this would overwrite the input " + input +
-                  "; name another file");
-  }
+  const auto is_same = [&](const std::string& input) { return IsSameFile(path, input); };
+  const auto same = std::ranges::find_if(inputs, is_same);
+  if (same == inputs.end()) return;
+  throw Failure(option + ' ' + path + ": this would overwrite the input " + *same +
+                "; name another file");
 }
 
 OutputFile::OutputFile(const std::string& option, const std::string& path,

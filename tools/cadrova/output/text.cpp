@@ -140,6 +140,7 @@ namespace {
 class CellTexts {
  public:
   std::string ToText(const Cell& cell) {
+    if (cell.result == nullptr) return "";
     const Result& result = *cell.result;
     if (!result.map) return "no map";
     std::string value = ToJsonText(result.value);
@@ -196,55 +197,13 @@ std::string ToText(const MatrixLayout& layout, const Fleet& fleet) {
   return text + cells.LongValues();
 }
 
-namespace {
-
-// The codes at the positions in `chosen`, or "every region except ..." if that is shorter.
-std::string ChosenCodes(const std::vector<std::size_t>& chosen,
-                        const std::vector<std::string>& codes, const std::string& what) {
-  if (chosen.size() == codes.size() && codes.size() > 1) return "every " + what;
-  const bool are_most = codes.size() > 4 && 2 * chosen.size() > codes.size();
-  std::vector<std::string> listed;
-  for (std::size_t code = 0; code < codes.size(); ++code) {
-    if (std::ranges::binary_search(chosen, code) != are_most) listed.push_back(codes[code]);
-  }
-  return (are_most ? "every " + what + " except " : "") + Join(listed, ", ", DisplayName);
-}
-
-std::string DevicesText(const Change& change, const Fleet& fleet) {
-  using Positions = std::vector<std::size_t>;
-  std::map<std::size_t, Positions> regions_of;
-  for (const auto& [region, carrier] : change.devices) regions_of[carrier].push_back(region);
-  std::map<Positions, Positions> carriers_in;
-  for (const auto& [carrier, regions] : regions_of) carriers_in[regions].push_back(carrier);
-  return Join(carriers_in, "; ", [&](const auto& entry) {
-    const auto& [regions, carriers] = entry;
-    return ChosenCodes(carriers, fleet.carriers, "carrier") + " in " +
-           ChosenCodes(regions, fleet.regions, "region");
-  });
-}
-
-std::string ResultText(const Result& result) {
-  return result.map ? ToJsonText(result.value) + ' ' + DisplayName(*result.map) : "no map";
-}
-
-}  // namespace
-
-std::string ToText(const std::vector<Change>& changes, const Fleet& fleet) {
+std::string ToText(const std::vector<Finding>& findings) {
   std::string lines;
-  for (const Change& change : changes) {
-    lines += "  " + Colored(ResultText(*change.before), kRed) + " -> " +
-             Colored(ResultText(*change.after), kGreen) + ": " + DevicesText(change, fleet) + '\n';
-  }
-  return lines;
-}
-
-std::string ToText(const std::vector<Finding>& findings, const std::string& file) {
-  std::string lines;
-  for (const auto& [place, is_error, message] : findings) {
-    const host::Error position = {file, place, "", {}};
+  for (const Finding& finding : findings) {
+    const host::Error position = {finding.file, finding.place, "", {}};
     lines += Colored(host::Printable(ToString(position)), kBold) +
-             (is_error ? Colored("error: ", kRed) : Colored("warning: ", kYellow)) +
-             host::Printable(message) + '\n';
+             (finding.is_error ? Colored("error: ", kRed) : Colored("warning: ", kYellow)) +
+             host::Printable(finding.message) + " [" + finding.type->name + "]\n";
   }
   return lines;
 }

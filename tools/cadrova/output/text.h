@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "fleet/changes.h"
+#include "fleet/feature_index.h"
 #include "fleet/findings.h"
 #include "fleet/matrix_layout.h"
 #include "lookup/explanation.h"
@@ -26,10 +26,7 @@ std::string ToText(const Explanation& explanation, const DataFacts* facts);
 
 std::string ToText(const MatrixLayout& layout, const Fleet& fleet);
 
-// One line per change: the result before and after it, and the devices.
-std::string ToText(const std::vector<Change>& changes, const Fleet& fleet);
-
-// One line per finding: file:line:column: error: message
-std::string ToText(const std::vector<Finding>& findings, const std::string& file);
+// One line per finding: file:line:column: error: message [name]
+std::string ToText(const std::vector<Finding>& findings);
 
 }  // namespace cadrova::tools

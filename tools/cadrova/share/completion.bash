@@ -6,16 +6,32 @@ _cadrova() {
   local families="default region carrier carrier-region sim"
   COMPREPLY=()
   case $previous in
-    --data | --html | -o) mapfile -t COMPREPLY < <(compgen -f -- "$word"); return ;;
+    --data | --fleet | --html | -o) mapfile -t COMPREPLY < <(compgen -f -- "$word"); return ;;
+    --disable)
+      words="kind-conflict sim-float unknown-map similar-map misspelt-key not-in-default"
+      words+=" redundant-value empty-file unused-allow"
+      mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")
+      return
+      ;;
     --region | --carrier | --regions | --carriers | --sim) return ;;
+    --format)
+      words="text json"
+      case $command in
+        matrix) words+=" csv" ;;
+        diff) words+=" markdown" ;;
+        check) words+=" sarif" ;;
+      esac
+      mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")
+      return
+      ;;
     --family) mapfile -t COMPREPLY < <(compgen -W "$families" -- "$word"); return ;;
   esac
   # The position of this word among the arguments of the command, without options and their values.
   for ((i = 2; i < COMP_CWORD; ++i)); do
     case ${COMP_WORDS[i]} in
       --) [[ $command != trace ]] || break ;;
-      --data | --html | --region | --carrier | --regions | --carriers | --family | --sim | -o)
-        ((++i)) ;;
+      --data | --fleet | --html | --region | --carrier | --regions | --carriers | --family | --sim | \
+        --format | --disable | -o) ((++i)) ;;
       -*) ;;
       *) ((++position)) ;;
     esac
@@ -26,19 +42,19 @@ _cadrova() {
         0) words=$families ;;
         1) words="bool int float string string-array int-array map-array" ;;
       esac
-      [[ $word != -* ]] || words="--data --region --carrier --sim --json --help"
+      [[ $word != -* ]] || words="--data --fleet --region --carrier --sim --format --json --help"
       [[ $word != -* || $command != explain ]] || words+=" --steps"
       [[ $word != -* || $command != matrix ]] ||
-        words="--data --regions --carriers --json --csv --html --help"
+        words="--data --fleet --regions --carriers --format --json --csv --html --help"
       ;;
-    list) words="--data --json --help" ;;
+    list) words="--data --format --json --help" ;;
     diff | check)
       if [[ $word != -* ]]; then
         mapfile -t COMPREPLY < <(compgen -f -- "$word")
         return
       fi
-      words="--regions --carriers --help"
-      [[ $command == check ]] || words+=" --family --json"
+      words="--fleet --regions --carriers --format --json --help"
+      [[ $command == check ]] && words+=" --strict --disable" || words+=" --family --exit-zero"
       ;;
     trace)
       if [[ ${COMP_WORDS[i]} == -- && i -lt COMP_CWORD ]]; then

@@ -1,0 +1,42 @@
+#include "commands/format_option.h"
+
+#include "commands/shared_options.h"
+#include "common/text.h"
+#include "failure.h"
+
+namespace cadrova::tools {
+
+FormatOption::FormatOption(const std::vector<Format>& formats) {
+  for (const Format& format : formats) choices_.push_back({format, false});
+}
+
+void FormatOption::DeclareOptions(Options& options) {
+  options.Add("--format", name_, "NAME",
+              "Output format: " + Names() + " (default: " + choices_[0].format.name + ')');
+  for (auto& [format, is_given] : choices_) {
+    if (format.description.empty()) continue;
+    options.AddFlag("--" + format.name, is_given, format.description);
+  }
+}
+
+std::string FormatOption::Choose(const std::vector<std::pair<std::string, bool>>& others) const {
+  std::vector<std::pair<std::string, bool>> given = {{"--format", name_.has_value()}};
+  std::string chosen = choices_[0].format.name;
+  bool is_known = !name_;
+  for (const auto& [format, has_short_option] : choices_) {
+    given.emplace_back("--" + format.name, has_short_option);
+    if (!has_short_option && name_ != format.name) continue;
+    chosen = format.name;
+    is_known = true;
+  }
+  given.insert(given.end(), others.begin(), others.end());
+  RefuseCombination(given);
+  if (is_known) return chosen;
+  throw Failure("--format: unknown format '" + name_.value_or("") + "'; use one of: " + Names());
+}
+
+std::string FormatOption::Names() const {
+  return Join(choices_, ", ", [](const Choice& choice) { return choice.format.name; });
+}
+
+}  // namespace cadrova::tools
