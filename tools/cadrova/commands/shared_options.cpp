@@ -32,9 +32,8 @@ Codes SplitCodes(const std::string& text) {
 
 enum class CodeType { kRegion, kCarrier };
 
-// What is doubtful about `code`, or "": it is not one of the fleet file, if this declares such
-// codes
-// (`file` may be NULL), or it is not one of the codes that the maps use, but similar to one.
+// What is doubtful about `code`, or "". If the fleet file declares such codes, it is not one of
+// them. Otherwise, the maps do not use it, but a similar one. `file` may be NULL.
 std::string DoubtOf(const std::string& code, CodeType type, const FleetFile* file,
                     const Fleet& used) {
   const bool is_region = type == CodeType::kRegion;
