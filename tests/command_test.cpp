@@ -50,6 +50,10 @@ ProgramResult Cadrova(const std::string& line,
   return RunProgram(words, {setting}, out);
 }
 
+// The command for a shell: its path, perhaps after an emulator.
+const std::string kShellCommand =
+    Join(Words{CADROVA_COMMAND}, " ", [](const std::string& word) { return '\'' + word + '\''; });
+
 struct Case {
   std::string line, out, err = {};
   int status = 0;
@@ -170,8 +174,8 @@ TEST(StandardInput, IsACustomizationFile) {
   };
   for (const auto& [script, out, err, status] : cases) {
     SCOPED_TRACE(script);
-    Expect(RunProgram({"sh", "-c", "cd \"${1%/*}/here\"; " + script, CADROVA_COMMAND, old}), out,
-           err, status);
+    const std::string command = std::regex_replace(script, std::regex("\"\\$0\""), kShellCommand);
+    Expect(RunProgram({"sh", "-c", "cd \"${1%/*}/here\"; " + command, "", old}), out, err, status);
   }
 }
 
@@ -324,10 +328,12 @@ void ExpectTranscript(const std::string& name) {
       std::ofstream(folder + '/' + file) << contents;
       text += contents + '\n';
     } else if (std::regex_match(line, match, std::regex("([a-z]*)\\$ (.*)"))) {
-      const std::string core = match[1], command = match[2];
-      const auto [out, err, status] = RunProgram(
-          {"sh", "-c", "PATH=${0%/*}:$PATH; cd \"$1\"; " + command, CADROVA_COMMAND, folder},
-          {core.empty() ? "A=" : "LD_LIBRARY_PATH=" CADROVA_CORES + core});
+      const std::string core = match[1];
+      const std::string command =
+          std::regex_replace(match[2].str(), std::regex("cadrova (?=[a-z])"), kShellCommand + ' ');
+      const auto [out, err, status] =
+          RunProgram({"sh", "-c", "cd \"$0\"; " + command, folder},
+                     {core.empty() ? "A=" : "LD_LIBRARY_PATH=" CADROVA_CORES + core});
       text += line + '\n' + out + err + "status " + std::to_string(status) + "\n\n";
     }
   }
