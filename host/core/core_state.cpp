@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdlib>
 #include <filesystem>
+#include <set>
 #include <tuple>
 
 #include "file.h"
@@ -64,13 +65,17 @@ std::vector<Contents::Item> CoreState::ListItems() {
     const std::lock_guard lock(mutex_);
     sim_.AppendItems(items);
   }
-  const auto sim_items = static_cast<std::ptrdiff_t>(items.size());
-  file.store.AppendItems(items);
-  // Items of the file are not listed if SIM items replace them.
-  const auto id = [](const Contents::Item& item) { return std::tie(item.map, item.key); };
-  std::ranges::inplace_merge(items, items.begin() + sim_items, {}, id);
-  const auto replaced = std::ranges::unique(items, {}, id);
-  items.erase(replaced.begin(), replaced.end());
+  std::set<std::pair<std::string, std::string>> replaced;
+  for (const Contents::Item& item : items) replaced.emplace(item.map, item.key);
+  std::vector<Contents::Item> file_items;
+  file.store.AppendItems(file_items);
+  for (Contents::Item& item : file_items) {
+    if (replaced.empty() || !replaced.contains({item.map, item.key})) {
+      items.push_back(std::move(item));
+    }
+  }
+  std::ranges::sort(items, {},
+                    [](const Contents::Item& item) { return std::tie(item.map, item.key); });
   return items;
 }
 

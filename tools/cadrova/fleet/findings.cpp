@@ -217,8 +217,9 @@ class KeyChains {
     for (std::size_t item = 0; item < chains_of_.size(); ++item) {
       if (item != item_in_default && chains_of_[item].distance > 0) order.push_back(item);
     }
-    std::ranges::stable_sort(order, std::greater(),
-                             [&](std::size_t item) { return chains_of_[item].distance; });
+    std::ranges::sort(order, std::less(), [&](std::size_t item) {
+      return std::pair(-static_cast<std::ptrdiff_t>(chains_of_[item].distance), item);
+    });
     std::vector<bool> is_removed(chains_of_.size());
     // An item that was needed may no longer be so when others are removed.
     for (std::size_t found = 1; found > 0; found = std::erase_if(order, [&](std::size_t item) {
