@@ -67,12 +67,13 @@ std::vector<Contents::Item> CoreState::ListItems() {
   }
   std::set<std::pair<std::string, std::string>> replaced;
   for (const Contents::Item& item : items) replaced.emplace(item.map, item.key);
-  std::vector<Contents::Item> file_items;
-  file.store.AppendItems(file_items);
-  for (Contents::Item& item : file_items) {
-    if (replaced.empty() || !replaced.contains({item.map, item.key})) {
-      items.push_back(std::move(item));
-    }
+  const auto sim_items = static_cast<std::ptrdiff_t>(items.size());
+  file.store.AppendItems(items);
+  if (!replaced.empty()) {
+    const auto is_replaced = [&](const Contents::Item& item) {
+      return replaced.contains({item.map, item.key});
+    };
+    items.erase(std::remove_if(items.begin() + sim_items, items.end(), is_replaced), items.end());
   }
   std::ranges::sort(items, {},
                     [](const Contents::Item& item) { return std::tie(item.map, item.key); });

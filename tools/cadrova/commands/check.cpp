@@ -69,12 +69,10 @@ class Check : public Command {
       const Fleet fleet = choice.ToFleet(MapNames(contents));
       findings = CheckContents(contents, fleet, !choice.are_codes_declared());
     }
-    auto& used = used_allowances_[choice.file];
-    if (choice.file != nullptr) {
-      // What an error hides can't be found, so each allowance may be needed.
-      used.resize(choice.file->allowed.size(), false);
-      if (!data.errors().empty()) used.assign(used.size(), true);
-    }
+    std::vector<bool> no_allowances;
+    auto& used = choice.file == nullptr ? no_allowances : UsedAllowances(*choice.file);
+    // What an error hides can't be found, so each allowance may be needed.
+    if (!data.errors().empty()) used.assign(used.size(), true);
     std::erase_if(findings, [&](const Finding& finding) {
       return IsAllowed(finding, choice.file, used) || IsDisabled(finding, choice.file);
     });
@@ -101,6 +99,11 @@ class Check : public Command {
                 fleet->disabled.end());
   }
 
+  std::vector<bool>& UsedAllowances(const FleetFile& fleet) {
+    return fleets_.try_emplace(fleet.path, &fleet, std::vector<bool>(fleet.allowed.size()))
+        .first->second.second;
+  }
+
   static bool IsAllowed(const Finding& finding, const FleetFile* fleet, std::vector<bool>& used) {
     const auto matches = [](const std::optional<std::string>& pattern, const std::string& name) {
       return !pattern || fnmatch(pattern->c_str(), name.c_str(), 0) == 0;
@@ -117,15 +120,17 @@ class Check : public Command {
   }
 
   void ReportUnusedAllowances() {
-    for (const auto& [fleet, used] : used_allowances_) {
+    for (const auto& [path, fleet_and_used] : fleets_) {
+      const auto& [fleet, used] = fleet_and_used;
       std::vector<Finding> findings;
       for (std::size_t i = 0; i < used.size(); ++i) {
         if (used[i]) continue;
-        findings.push_back(MakeFinding("unused-allow", fleet->path, fleet->allowed[i].place,
+        findings.push_back(MakeFinding("unused-allow", path, fleet->allowed[i].place,
                                        "no finding matches this entry; remove it"));
       }
-      std::erase_if(findings, [&](const auto& finding) { return IsDisabled(finding, fleet); });
-      MakeStrict(findings, fleet);
+      const FleetFile* const file = fleet;
+      std::erase_if(findings, [&](const auto& finding) { return IsDisabled(finding, file); });
+      MakeStrict(findings, file);
       findings_.insert(findings_.end(), findings.begin(), findings.end());
     }
   }
@@ -152,7 +157,8 @@ class Check : public Command {
   FormatOption format_{
       {{"text", ""}, {"json", "Print a JSON array with one object per finding"}, {"sarif", ""}}};
   bool is_strict_ = false;
-  std::map<const FleetFile*, std::vector<bool>> used_allowances_;
+  // The fleet files by path, each with whether an allowance was used.
+  std::map<std::string, std::pair<const FleetFile*, std::vector<bool>>> fleets_;
   std::vector<Finding> findings_;
 };
 

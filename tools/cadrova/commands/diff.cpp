@@ -1,7 +1,6 @@
 #include "commands/command.h"
 #include "commands/format_option.h"
 #include "commands/shared_options.h"
-#include "common/text.h"
 #include "failure.h"
 #include "fleet/changes.h"
 #include "fleet/feature_index.h"

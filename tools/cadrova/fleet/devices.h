@@ -36,8 +36,8 @@ std::map<std::string, NameCodes> CodesInNames(const std::vector<std::string>& ma
 // A region code and a carrier code.
 using Device = std::pair<std::string, std::string>;
 
-// Those of `devices` whose codes are in `codes`, in the order of these. Codes without a device are
-// left out.
+// Those of `devices` whose codes are in `codes`. The fleet has the codes of these devices, in the
+// order of `codes`.
 Fleet SelectDevices(const Fleet& codes, const std::vector<Device>& devices);
 
 // The codes in the names of these maps, and the empty codes.

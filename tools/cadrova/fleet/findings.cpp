@@ -134,8 +134,9 @@ void Checker::CheckKeys() {
   const SuggestionIndex index(std::move(keys));
   const bool has_default =
       std::ranges::find(contents_.maps, kDefault, &Contents::Map::name) != contents_.maps.end();
-  if (!has_default && !items_.empty())
+  if (!has_default && !items_.empty()) {
     Add("not-in-default", Place(), "the file has no map DEFAULT");
+  }
   for (const auto& [key, items] : items_) {
     const Item& first = *items[0];
     if (items.size() == 1) {
@@ -221,16 +222,17 @@ class KeyChains {
       return std::pair(-static_cast<std::ptrdiff_t>(chains_of_[item].distance), item);
     });
     std::vector<bool> is_removed(chains_of_.size());
-    // An item that was needed may no longer be so when others are removed.
-    for (std::size_t found = 1; found > 0; found = std::erase_if(order, [&](std::size_t item) {
-                                             return static_cast<bool>(is_removed[item]);
-                                           })) {
+    // Repeated, because an item that was needed may no longer be so when others are removed.
+    for (bool is_repeated = true; is_repeated;) {
+      is_repeated = false;
       for (const std::size_t item : order) {
         const auto is_needed_in = [&](std::size_t chain) {
           return IsNeeded(item, chain, is_removed);
         };
-        is_removed[item] = std::ranges::none_of(chains_of_[item].chains, is_needed_in);
-        if (is_removed[item]) redundant.push_back(item);
+        if (is_removed[item] || std::ranges::any_of(chains_of_[item].chains, is_needed_in))
+          continue;
+        is_removed[item] = is_repeated = true;
+        redundant.push_back(item);
       }
     }
     return redundant;
@@ -340,7 +342,7 @@ std::vector<Finding> CheckContents(const Contents& contents, const Fleet& fleet,
   checker.CheckKeys();
   checker.CheckMaps(has_derived_codes);
   DiscardStdout([&] { checker.CheckRedundancy(); });
-  return Sorted(checker.TakeFindings());
+  return checker.TakeFindings();
 }
 
 }  // namespace cadrova::tools

@@ -34,8 +34,8 @@ Finding MakeFinding(const std::string& type, const std::string& file, host::Plac
 // In the order of the file, without duplicates, and without warnings at the place of an error.
 std::vector<Finding> Sorted(std::vector<Finding> findings);
 
-// All findings in `contents` for these devices. If codes are derived from map names, a mistyped map
-// name gives a new code, so similar map names are also reported.
+// All findings in `contents` for these devices, in any order. If codes are derived from map names,
+// a mistyped map name gives a new code, so similar map names are also reported.
 std::vector<Finding> CheckContents(const host::Contents& contents, const Fleet& fleet,
                                    bool has_derived_codes);
 

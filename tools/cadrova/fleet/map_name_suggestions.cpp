@@ -6,10 +6,6 @@
 namespace cadrova::tools {
 namespace {
 
-bool IsSeparator(char byte) {
-  return static_cast<unsigned char>(byte) < 0x80 && std::isalnum(byte) == 0;
-}
-
 std::string WithoutSeparatorsAround(const std::string& text) {
   const auto begin = std::ranges::find_if_not(text, IsSeparator);
   const auto end =

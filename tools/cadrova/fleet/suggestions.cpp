@@ -90,8 +90,7 @@ std::vector<std::size_t> Hashes(const std::string& name) {
 std::vector<std::string> Words(const std::string& name) {
   std::vector<std::string> words(1);
   for (const char byte : ToLower(name)) {
-    const auto code = static_cast<unsigned char>(byte);
-    if (code < 0x80 && std::isalnum(code) == 0) {
+    if (IsSeparator(byte)) {
       words.emplace_back();
     } else {
       words.back() += byte;
@@ -107,6 +106,11 @@ bool IsSimilarWord(const std::string& a, const std::string& b) {
 }
 
 }  // namespace
+
+bool IsSeparator(char byte) {
+  const auto code = static_cast<unsigned char>(byte);
+  return code < 0x80 && std::isalnum(code) == 0;
+}
 
 bool IsSimilarCode(const std::string& code, const std::string& other) {
   const auto words = Words(code), other_words = Words(other);

@@ -33,6 +33,9 @@ std::vector<Suggestion> Suggest(const std::string& name,
 // X1 of X2.
 bool IsSimilarCode(const std::string& code, const std::string& other);
 
+// Whether the byte separates the words of a name: an ASCII character that is no letter or digit.
+bool IsSeparator(char byte);
+
 // The words of `name`, independent of their case, order and separators.
 std::string SortedWords(const std::string& name);
 
