@@ -325,11 +325,12 @@ std::string ToToml(const RandomData& data) {
               [](const auto& item) { return '[' + item.first + "]\nk = " + item.second + '\n'; });
 }
 
-// The region COTA_A has the map of the carrier A. Some devices do not exist.
+// The region COTA_A has the map of the carrier A. The first device may have a map of its own, while
+// its codes have none. One device does not exist.
 const Fleet kRandomFleet = {
-    {"", "EU", "JP", "COTA_A"},
-    {"", "A", "B"},
-    {true, true, true, true, true, true, true, true, false, true, true, true}};
+    {"EU", "JP", "COTA_A", ""},
+    {"A", "B", ""},
+    {true, true, true, true, false, true, true, true, true, true, true, true}};
 
 // The lines of the CSV, with the name of the map replaced if there is one.
 std::vector<std::string> CsvLines(const RandomData& data, const std::string& family) {
