@@ -18,14 +18,14 @@ std::string Summary(const std::string& text, int lines) {
   const auto add = [&](const Place& place) {
     summary += std::to_string(place.line - lines) + ':' + std::to_string(place.column) + ' ';
   };
-  const auto [data, errors] = ParseData(text, "f");
-  for (const Error& error : errors) {
+  const ParsedFile parsed = ParseData(text, "f");
+  for (const Error& error : parsed.errors) {
     add(error.place);
     summary += error.reason.substr(0, error.reason.rfind(" in line ")) + ' ';
     if (error.related) add(*error.related);
   }
   std::vector<Contents::Item> items;
-  if (data != nullptr) data->store.AppendItems(items);
+  if (parsed.data != nullptr) parsed.data->store.AppendItems(items);
   for (const Contents::Item& item : items) {
     add(item.place);
     summary += item.map + ' ' + item.key + ' ' + std::to_string(item.kinds[0] == Kind::kBool) + ' ';
@@ -47,8 +47,9 @@ void CheckParts(const std::string& text) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
   using namespace cadrova::host;
   const std::string text(reinterpret_cast<const char*>(bytes), size);
-  const auto [data, errors] = ParseData(text, "f");
+  const auto [data, errors, has_syntax_error] = ParseData(text, "f");
   if ((data == nullptr) == errors.empty()) std::abort();
+  if (has_syntax_error && errors.size() != 1) std::abort();
   Place last;
   for (const Error& error : errors) {
     const auto [line, column] = error.place;
