@@ -2,13 +2,14 @@
 
 #include <sys/stat.h>
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <system_error>
+
+#include "utf8.h"
 
 namespace cadrova::host {
 
@@ -48,9 +49,8 @@ std::variant<std::string, Error> ReadStream(FILE* stream, const std::string& nam
 }
 
 std::string Printable(std::string_view text) {
-  std::string printable(text);
-  std::ranges::replace_if(
-      printable, [](unsigned char byte) { return byte < ' ' || byte == '\x7F'; }, '?');
+  std::string printable;
+  AppendSafe(printable, text);
   return printable;
 }
 

@@ -17,7 +17,8 @@ std::variant<std::string, Error> ReadFile(const std::string& path);
 // The rest of `stream`, which is called `name` in the error.
 std::variant<std::string, Error> ReadStream(FILE* stream, const std::string& name);
 
-// `text` with a `?` for each control character, so that a message is one line.
+// `text` with an escape such as \u001b for each character that may change what a terminal shows
+// around it, so that a message is one line.
 std::string Printable(std::string_view text);
 
 // The first of `errors`, with the number of the others in its reason.

@@ -89,11 +89,11 @@ TEST(Get, PrintsOnlyTheValue) {
       // Missing items, with a default and without.
       {"bool|int|true", "true\n"}, {"bool|nope|false", "false\n"},
       {"int|nope|-7", "-7\n"}, {"int||2147483647", "2147483647\n"},
-      {"float|nope|--|-.5", "-0.5\n"}, {"float|nope|16777216", "16777216\n"},
+      {"float|nope|--|-.5", "-0.5\n"}, {"float|nope|16777216", "16777216.0\n"},
       {"float|nope|--|-Inf", "-inf\n"}, {"float|nope|--json|--|-Inf", "\"-inf\"\n"},
       {"float|nope|nan|--format|json", "\"nan\"\n"}, {"float|float|--format|text", "0.35\n"}, {"string|nope|--|--x", "--x\n"},
       {"bool|nope", "false\n", missing + "bool; see cadrova explain\n", 1}, {"int|nope", "0\n", missing + "int; see cadrova explain\n", 1},
-      {"float|nope", "0\n", missing + "float; see cadrova explain\n", 1}, {"string|nope", "\n", missing + "string; see cadrova explain\n", 1},
+      {"float|nope", "0.0\n", missing + "float; see cadrova explain\n", 1}, {"string|nope", "\n", missing + "string; see cadrova explain\n", 1},
       {"string-array|nope", "", missing + "string-array; see cadrova explain\n", 1},
       {"int-array|nope", "", missing + "int-array; see cadrova explain\n", 1}, {"map-array|nope", "", missing + "map-array; see cadrova explain\n", 1},
       // clang-format on
@@ -107,10 +107,10 @@ TEST(FakePropertyStore, GivesTheCodesThatAreNotOptions) {
   const std::string store = "CADROVA_HOST_PROPS=" + TemporaryFile("props", props);
   const std::array<std::string, 3> cases[] = {
       // clang-format off
-      {"", "1\n", " exist with the carrier & region : 1.000000 \n"},
+      {"", "1.0\n", " exist with the carrier & region : 1.000000 \n"},
       {"|--carrier|", "0.5\n", " exist with the region : 0.500000 \n"},
-      {"|--region|", "2\n", " exist with the carrier : 2.000000 \n"},
-      {"|--region|eu|--carrier|X=1", "2\n", " exist with the carrier : 2.000000 \ncadrova: --region: no map uses region eu; did you mean EU?\n"}};
+      {"|--region|", "2.0\n", " exist with the carrier : 2.000000 \n"},
+      {"|--region|eu|--carrier|X=1", "2.0\n", " exist with the carrier : 2.000000 \ncadrova: --region: no map uses region eu; did you mean EU?\n"}};
   // clang-format on
   for (const auto& [options, out, line_end] : cases) {
     Expect(Cadrova("get|carrier-region|float|float|--data|" + kData + options, store), out,
@@ -449,7 +449,7 @@ TEST(Command, RefusesWithOneLineThatSaysWhy) {
       {"get|default|float|k|1e39", "default '1e39' is out of the range of a 32-bit float\n"},
       {"get|sim|int-array|k|x", "default 'x' is refused: list kinds take no default; a missing list is empty\n"},
       {int_k + "|1|-2", "not expected: -2; put arguments that start with \"-\" after \"--\"; see cadrova get --help\n"},
-      {int_k + "|--jsn", "not expected: --jsn"}, {int_k + "|a\nb", "default 'a?b' is not an int"},
+      {int_k + "|--jsn", "not expected: --jsn"}, {int_k + "|a\nb", "default 'a\\u000ab' is not an int"},
       {region_k + "|--region|--carrier|X1", "--region: a value is missing before '--carrier'; see"},
       {"get|sim|int|k|1|--sim|a=b|z=y", "not expected: z=y; see cadrova get --help\n"},
       {"matrix|region|int|k|--region|EU", "cadrova: not expected: --region EU; put arguments"},
@@ -480,7 +480,7 @@ TEST(Command, RefusesWithOneLineThatSaysWhy) {
       {"get|sim|string|k|x", "the sim family takes no default for a string; a missing one is empty\n"},
       {"get|sim|int|k|--sim|x", "--sim: 'x' is not KEY=VALUE\n"},
       {int_k + "|--data|", "cadrova: the name of the customization file is empty\n"},
-      {int_k + "|--data|a\nb", "a?b: can't be read: " + Reason(ENOENT)},
+      {int_k + "|--data|a\nb", "a\\u000ab: can't be read: " + Reason(ENOENT)},
       {int_k + "|--data|/tmp", "/tmp: can't be read: " + Reason(EISDIR)},
       {int_k + "|--data|/proc/self/mem", "/proc/self/mem: can't be read: " + Reason(EIO)},
       {int_k + "|--data|" + huge, huge + ": can't be read: it is larger than 1 GiB\n"},
@@ -568,7 +568,8 @@ TEST(FakePropertyStore, RefusesABadFileWithOneLineThatSaysWhy) {
   for (const std::string line :
        {"no equals sign", "=b", "a b=c", "[a]: [b", "[a]=b", "[]: [b]", "a=b\rc=d", "a\x7F=b"}) {
     const std::string file = TemporaryFile("properties", "a=b\n" + line + "\n");
-    const std::string quoted = std::regex_replace(line, std::regex("[\r\x7F]"), "?");
+    const std::string quoted = std::regex_replace(
+        std::regex_replace(line, std::regex("\r"), "\\u000d"), std::regex("\x7F"), "\\u007f");
     ExpectRefusal(Cadrova(region_k, store + file),
                   file + ":2: not a key=value line: " + quoted + '\n');
   }

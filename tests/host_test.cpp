@@ -271,7 +271,7 @@ c = {d = {}, e = 1}
   // clang-format off
   const std::vector<Error> expected = {
       {f, {1, 1}, "x is outside every map; put it below a [MAP] line", {}},
-      {f, {2, 1}, "?? is outside every map; put it below a [MAP] line", {}},
+      {f, {2, 1}, "\\u000a\\u007f is outside every map; put it below a [MAP] line", {}},
       {f, {4, 11}, mixed, {}}, {f, {5, 3}, duplicate, Place{4, 7}},
       {f, {7, 5}, "a date or time is not a supported value", {}},
       {f, {8, 9}, "2147483648 does not fit in 32 bits", {}}, {f, {8, 21}, "-2147483649 does not fit in 32 bits", {}},

@@ -17,7 +17,6 @@
 
 #include "cadrova/host.h"
 #include "commands/shared_options.h"
-#include "common/table.h"
 #include "common/text.h"
 #include "failure.h"
 #include "files.h"
@@ -31,6 +30,7 @@
 #include "output/json.h"
 #include "output/progress.h"
 #include "output/sarif.h"
+#include "output/table.h"
 #include "output/text.h"
 
 namespace cadrova::tools {
@@ -254,7 +254,7 @@ TEST(Suggestions, AreSimilarNamesWithTheBestFirst) {
 TEST(Table, CountsCharactersAndNotBytes) {
   EXPECT_EQ(Table({{"é", "10", "x"}, {"name", "9", "yy"}, {"", "", ""}}),
             "é     10  x\nname  9   yy\n\n");
-  EXPECT_EQ(Join(AlignedLines({{"1", "a"}, {"10", "b"}}, 1), "|"), " 1  a|10  b");
+  EXPECT_EQ(Join(AlignedLines({{"漢é\u0301", "a"}, {"1", "b"}}), "|"), "漢é\u0301  a|1    b");
 }
 
 TEST(Matrix, MergesEqualRowsAndColumnsAndListsLongValuesBelow) {

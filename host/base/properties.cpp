@@ -46,7 +46,9 @@ std::optional<std::pair<std::string, std::string>> ParseLine(std::string_view li
     value = WithoutBlanksAround(line.substr(equals + 1));
   }
   const bool is_name = !key.empty() && key.find_first_of(" \t") == std::string_view::npos;
-  if (!is_name || Printable(line) != line) return std::nullopt;
+  const bool has_control =
+      std::ranges::any_of(line, [](unsigned char byte) { return byte < ' ' || byte == 0x7F; });
+  if (!is_name || has_control) return std::nullopt;
   return std::pair(std::string(key), std::string(value));
 }
 

@@ -16,6 +16,7 @@
 
 #include "cadrova/value.h"
 #include "parser_core.h"
+#include "utf8.h"
 
 namespace cadrova::tools {
 
@@ -30,48 +31,11 @@ struct PairArrayBlock {
   const char* const* strings;
 };
 
-constexpr bool IsControl(char byte) {
-  return static_cast<unsigned char>(byte) < ' ' || byte == 0x7F;
-}
-
-// A set of bytes, as a table: a trace looks at each byte of a text.
-class ByteSet {
- public:
-  consteval explicit ByteSet(auto contains) {
-    for (int byte = 0; byte < 256; ++byte) is_in_[byte] = contains(static_cast<char>(byte));
-  }
-  // The size of the beginning of `text` that has no byte of the set.
-  std::size_t Find(std::string_view text) const {
-    std::size_t size = 0;
-    while (size < text.size() && !is_in_[static_cast<unsigned char>(text[size])]) ++size;
-    return size;
-  }
-
- private:
-  bool is_in_[256] = {};
-};
-constexpr ByteSet kEscaped([](char byte) {
-  return byte == '"' || byte == '\\' || IsControl(byte);
-});
-
 // A `Text` is a std::string or a TextBuffer.
 template <class Text>
 void AppendJson(Text& text, std::string_view string) {
-  constexpr char kDigits[] = "0123456789abcdef";
   text += '"';
-  for (std::size_t plain; (plain = kEscaped.Find(string)) != string.size();) {
-    text += string.substr(0, plain);
-    text += '\\';
-    const char special = string[plain];
-    if (IsControl(special)) {
-      const char code[] = {'u', '0', '0', kDigits[special >> 4], kDigits[special & 15]};
-      text += std::string_view(code, std::size(code));
-    } else {
-      text += special;
-    }
-    string.remove_prefix(plain + 1);
-  }
-  text += string;
+  host::AppendSafe(text, string, "", "\"\\");
   text += '"';
 }
 template <class Text>
@@ -83,7 +47,7 @@ void AppendJson(Text& text, const char* string) {
   AppendJson(text, std::string_view(string));
 }
 
-// Decimal; a float in the shortest form that reads back to the same float.
+// Decimal; a float in the shortest form that reads back to the same float, and not as an int.
 template <class Text, class Number>
   requires std::is_arithmetic_v<Number>
 void AppendJson(Text& text, Number number) {
@@ -96,7 +60,10 @@ void AppendJson(Text& text, Number number) {
     }
     char digits[32];
     char* const end = std::to_chars(digits, std::end(digits), number).ptr;
-    text += std::string_view(digits, static_cast<std::size_t>(end - digits));
+    const std::string_view number_text(digits, static_cast<std::size_t>(end - digits));
+    text += number_text;
+    const bool is_like_int = number_text.find_first_not_of("-0123456789") == std::string_view::npos;
+    if (std::is_floating_point_v<Number> && is_like_int) text += std::string_view(".0");
   }
 }
 

@@ -38,7 +38,7 @@ constexpr bool IsPlainInName(char byte) {
 // "." and "-"; otherwise it is quoted as in JSON. An empty name is "".
 template <class Text>
 void AppendDisplayName(Text& text, std::string_view name) {
-  static constexpr ByteSet kQuoted([](char byte) { return !IsPlainInName(byte); });
+  static constexpr host::ByteSet kQuoted([](char byte) { return !IsPlainInName(byte); });
   if (!name.empty() && kQuoted.Find(name) == name.size()) {
     text += name;
   } else {

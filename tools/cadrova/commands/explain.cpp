@@ -10,8 +10,8 @@
 #include "lookup/data_source.h"
 #include "lookup/explanation.h"
 #include "output/console.h"
+#include "output/explanation_text.h"
 #include "output/json.h"
-#include "output/text.h"
 
 namespace cadrova::tools {
 namespace {

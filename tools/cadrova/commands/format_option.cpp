@@ -3,6 +3,7 @@
 #include "commands/shared_options.h"
 #include "common/text.h"
 #include "failure.h"
+#include "output/console.h"
 
 namespace cadrova::tools {
 
@@ -17,9 +18,11 @@ void FormatOption::DeclareOptions(Options& options) {
     if (format.description.empty()) continue;
     options.AddFlag("--" + format.name, is_given, format.description);
   }
+  options.Add("--color", color_, "WHEN", "Color text: auto, always, never (default: auto)");
 }
 
 std::string FormatOption::Choose(const std::vector<std::pair<std::string, bool>>& others) const {
+  if (color_) ChooseColor(*color_);
   std::vector<std::pair<std::string, bool>> given = {{"--format", name_.has_value()}};
   std::string chosen = choices_[0].format.name;
   bool is_known = !name_;

@@ -1,4 +1,4 @@
-// --format, and the short options for single formats.
+// --format, the short options for single formats, and --color.
 #pragma once
 
 #include <optional>
@@ -24,8 +24,8 @@ class FormatOption {
 
   void DeclareOptions(Options& options);
 
-  // The name of the chosen format. Throws a Failure if there is no such format, or if more than one
-  // of these options and the `others` is given.
+  // The name of the chosen format. Applies --color. Throws a Failure if there is no such format, or
+  // if more than one of these options and the `others` is given.
   std::string Choose(const std::vector<std::pair<std::string, bool>>& others = {}) const;
 
  private:
@@ -35,7 +35,7 @@ class FormatOption {
   };
   std::string Names() const;
 
-  std::optional<std::string> name_;
+  std::optional<std::string> name_, color_;
   std::vector<Choice> choices_;
 };
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <map>
-#include <tuple>
 #include <variant>
 
 #include "common/json_text.h"
@@ -55,14 +54,6 @@ std::optional<ElementChanges> CompareElements(const Value& before, const Value& 
     return std::nullopt;
   };
   return std::visit(compare, before);
-}
-
-host::Place PlaceOf(const host::Contents& contents, const std::string& map,
-                    const std::string& key) {
-  const auto id = [](const host::Contents::Item& item) { return std::tie(item.map, item.key); };
-  const auto found = std::ranges::lower_bound(contents.items, std::tie(map, key), {}, id);
-  const bool is_there = found != contents.items.end() && id(*found) == std::tie(map, key);
-  return is_there ? found->place : host::Place();
 }
 
 }  // namespace cadrova::tools

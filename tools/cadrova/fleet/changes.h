@@ -6,7 +6,6 @@
 #include <utility>
 #include <vector>
 
-#include "cadrova/host.h"
 #include "fleet/results.h"
 
 namespace cadrova::tools {
@@ -29,8 +28,5 @@ struct ElementChanges {
 };
 // Nothing if the values are no lists.
 std::optional<ElementChanges> CompareElements(const Value& before, const Value& after);
-
-// The place of the item in the file, or line 0 if it has none.
-host::Place PlaceOf(const host::Contents& contents, const std::string& map, const std::string& key);
 
 }  // namespace cadrova::tools

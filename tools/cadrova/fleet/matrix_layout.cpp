@@ -89,7 +89,7 @@ MatrixLayout LayOut(const FleetChains& chains, const Results& results) {
     for (std::size_t region = 0; region < fleet.regions.size(); ++region) {
       if (!fleet.Has(region, carrier)) continue;
       const auto [result, position] = results.Find(chains.Get(region, carrier));
-      columns[carrier][region] = {result, position};
+      columns[carrier][region] = {result, position, nullptr};
       ++devices[result];
     }
   }
@@ -103,7 +103,7 @@ MatrixLayout LayOut(const FleetChains& chains, const Results& results) {
       while (devices[cell.result] <= 1 && cell.result->map) {
         const auto [result, position] =
             results.Find(chains.Get(region, carrier), cell.position + 1);
-        cell = {result, position};
+        cell = {result, position, nullptr};
       }
     }
   }

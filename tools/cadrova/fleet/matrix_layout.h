@@ -8,10 +8,17 @@
 
 namespace cadrova::tools {
 
+// A map that contains a key, but as other kinds.
+struct PassedOver {
+  std::string map;
+  std::string kinds;  // for example "string"
+};
+
 // The result of one device, and the position of its map in the chain.
 struct Cell {
   const Result* result = nullptr;  // NULL if the fleet has no such device
   std::uint32_t position = 0;
+  const PassedOver* passed_over = nullptr;  // the first such map before that position, if any
 
   auto operator<=>(const Cell&) const = default;
 };

@@ -1,7 +1,9 @@
 #include "lookup/data_source.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <tuple>
 #include <utility>
 #include <variant>
 
@@ -83,6 +85,20 @@ host::Contents ListContents(const std::string& advice) {
 std::vector<std::string> ListMapNames(const std::string& advice) {
   RequireList(advice);
   return host::ListMapNames();
+}
+
+host::Place PlaceOf(const host::Contents& contents, const std::string& map,
+                    const std::string& key) {
+  const auto id = [](const host::Contents::Item& item) { return std::tie(item.map, item.key); };
+  const auto found = std::ranges::lower_bound(contents.items, std::tie(map, key), {}, id);
+  const bool is_there = found != contents.items.end() && id(*found) == std::tie(map, key);
+  return is_there ? found->place : host::Place();
+}
+
+std::string LocationOf(const host::Contents& contents, const std::string& map,
+                       const std::string& key) {
+  const host::Place place = PlaceOf(contents, map, key);
+  return place.line == 0 ? "" : host::Printable(contents.file) + ':' + std::to_string(place.line);
 }
 
 host::TomlNode ReadToml(const std::string& path, const std::string& what) {

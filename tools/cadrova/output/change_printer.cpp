@@ -5,7 +5,7 @@
 
 #include "common/json_text.h"
 #include "common/text.h"
-#include "file.h"
+#include "lookup/data_source.h"
 #include "output/console.h"
 #include "output/json.h"
 
@@ -71,10 +71,8 @@ std::vector<Group> GroupFamilies(const std::vector<FamilyChanges>& families) {
   return groups;
 }
 
-// "old.toml:12", or nothing if the result comes from no item of the file.
 std::string Location(const host::Contents& contents, const Result& result, const std::string& key) {
-  const host::Place place = result.map ? PlaceOf(contents, *result.map, key) : host::Place();
-  return place.line == 0 ? "" : host::Printable(contents.file) + ':' + std::to_string(place.line);
+  return result.map ? LocationOf(contents, *result.map, key) : "";
 }
 
 // "removed 7; added 8, 28", or nothing for other kinds, or if a list is missing.

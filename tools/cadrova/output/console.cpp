@@ -1,9 +1,11 @@
 #include "output/console.h"
 
 #include <fcntl.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <charconv>
 #include <cstdio>
 #include <cstdlib>
 #include <system_error>
@@ -12,6 +14,28 @@
 #include "file.h"
 
 namespace cadrova::tools {
+namespace {
+
+std::string color_choice = "auto";
+
+std::string Variable(const char* name) {
+  const char* const value = std::getenv(name);
+  return value == nullptr ? "" : value;
+}
+
+bool HasColor() {
+  if (color_choice != "auto") return color_choice == "always";
+  return isatty(STDOUT_FILENO) != 0 && Variable("NO_COLOR").empty() && Variable("TERM") != "dumb";
+}
+
+}  // namespace
+
+void ChooseColor(const std::string& when) {
+  if (when != "auto" && when != "always" && when != "never") {
+    throw Failure("--color: unknown word '" + when + "'; use one of: auto, always, never");
+  }
+  color_choice = when;
+}
 
 void OpenStandardStreams() {
   // `open` returns the lowest free number, which is that of the closed stream. With these modes,
@@ -33,10 +57,19 @@ void Print(const std::string& text) {
 }
 
 std::string Colored(const std::string& text, const char* color) {
-  static const char* const no_color = std::getenv("NO_COLOR");
-  static const bool is_wanted =
-      isatty(STDOUT_FILENO) != 0 && (no_color == nullptr || *no_color == '\0');
-  return is_wanted ? std::string("\x1B[") + color + 'm' + text + "\x1B[0m" : text;
+  return HasColor() ? std::string("\x1B[") + color + 'm' + text + "\x1B[0m" : text;
+}
+
+std::size_t TerminalWidth() {
+  if (isatty(STDOUT_FILENO) == 0) return std::string::npos;
+  const std::string columns = Variable("COLUMNS");
+  std::size_t width = 0;
+  const char* const end = columns.data() + columns.size();
+  const auto [rest, error] = std::from_chars(columns.data(), end, width);
+  if (error == std::errc() && rest == end && width > 0) return width;
+  winsize size = {};
+  const bool is_known = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+  return is_known ? size.ws_col : std::string::npos;
 }
 
 }  // namespace cadrova::tools

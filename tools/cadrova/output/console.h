@@ -17,7 +17,15 @@ void Print(const std::string& text);
 
 constexpr char kBold[] = "1", kRed[] = "31", kGreen[] = "32", kYellow[] = "33";
 
-// `text` in the colour, if standard output is a terminal and NO_COLOR is not set.
+// When `Colored` colors: "auto", "always" or "never". Throws a Failure for any other word.
+void ChooseColor(const std::string& when);
+
+// `text` in the color. With "auto", only if standard output is a terminal that has colors, and
+// NO_COLOR is not set.
 std::string Colored(const std::string& text, const char* color);
+
+// The number of columns of the terminal that standard output is, or a huge number if it is none.
+// The environment variable COLUMNS takes precedence over the size of the terminal.
+std::size_t TerminalWidth();
 
 }  // namespace cadrova::tools

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "failure.h"
+#include "lookup/data_source.h"
 #include "output/console.h"
 
 namespace cadrova::tools {

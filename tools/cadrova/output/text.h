@@ -7,7 +7,7 @@
 #include "fleet/feature_index.h"
 #include "fleet/findings.h"
 #include "fleet/matrix_layout.h"
-#include "lookup/explanation.h"
+#include "lookup/families.h"
 
 namespace cadrova::tools {
 
@@ -15,14 +15,6 @@ namespace cadrova::tools {
 std::string ToLines(const Value& value);
 
 std::string ToText(const std::vector<Feature>& features);
-
-// Facts about the data, which only the fake core gives. Each is a list of lines.
-struct DataFacts {
-  std::string file;
-  std::vector<std::string> other_maps;  // contain the key, but are not in the chain
-  std::vector<std::string> similar_keys;
-};
-std::string ToText(const Explanation& explanation, const DataFacts* facts);
 
 std::string ToText(const MatrixLayout& layout, const Fleet& fleet);
 

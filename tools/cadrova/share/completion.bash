@@ -24,6 +24,7 @@ _cadrova() {
       mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")
       return
       ;;
+    --color) mapfile -t COMPREPLY < <(compgen -W "auto always never" -- "$word"); return ;;
     --family) mapfile -t COMPREPLY < <(compgen -W "$families" -- "$word"); return ;;
   esac
   # The position of this word among the arguments of the command, without options and their values.
@@ -31,7 +32,7 @@ _cadrova() {
     case ${COMP_WORDS[i]} in
       --) [[ $command != trace ]] || break ;;
       --data | --fleet | --html | --region | --carrier | --regions | --carriers | --family | --sim | \
-        --format | --disable | -o) ((++i)) ;;
+        --color | --format | --disable | -o) ((++i)) ;;
       -*) ;;
       *) ((++position)) ;;
     esac
@@ -42,18 +43,18 @@ _cadrova() {
         0) words=$families ;;
         1) words="bool int float string string-array int-array map-array" ;;
       esac
-      [[ $word != -* ]] || words="--data --fleet --region --carrier --sim --format --json --help"
+      [[ $word != -* ]] || words="--data --fleet --region --carrier --sim --format --json --color --help"
       [[ $word != -* || $command != explain ]] || words+=" --steps"
       [[ $word != -* || $command != matrix ]] ||
-        words="--data --fleet --regions --carriers --format --json --csv --html --help"
+        words="--data --fleet --regions --carriers --format --json --csv --html --color --help"
       ;;
-    list) words="--data --format --json --help" ;;
+    list) words="--data --format --json --color --help" ;;
     diff | check)
       if [[ $word != -* ]]; then
         mapfile -t COMPREPLY < <(compgen -f -- "$word")
         return
       fi
-      words="--fleet --regions --carriers --format --json --help"
+      words="--fleet --regions --carriers --format --json --color --help"
       [[ $command == check ]] && words+=" --strict --disable" || words+=" --family --exit-zero"
       ;;
     trace)

@@ -1,0 +1,19 @@
+// Explanations as text for a terminal.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "lookup/explanation.h"
+
+namespace cadrova::tools {
+
+// Facts about the data, which only the fake core gives. Each is a list of lines.
+struct DataFacts {
+  std::string file;
+  std::vector<std::string> other_maps;  // contain the key, but are not in the chain
+  std::vector<std::string> similar_keys;
+};
+std::string ToText(const Explanation& explanation, const DataFacts* facts);
+
+}  // namespace cadrova::tools
