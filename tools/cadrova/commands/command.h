@@ -34,6 +34,7 @@ struct CommandInfo {
 std::span<const CommandInfo> Commands();
 
 std::unique_ptr<Command> MakeCheck();
+std::unique_ptr<Command> MakeDevice();
 std::unique_ptr<Command> MakeDiff();
 std::unique_ptr<Command> MakeExplain();
 std::unique_ptr<Command> MakeGet();

@@ -7,7 +7,9 @@ namespace {
 
 constexpr CommandInfo kCommands[] = {
     {"explain", "Show which map a value comes from",
-     "cadrova explain sim int calling.ring_seconds --region EU --carrier X1", MakeExplain},
+     "cadrova explain calling.ring_seconds --region EU --carrier X1", MakeExplain},
+    {"device", "Show what a device gets, or how two differ", "cadrova device EU/X1 JP/N7",
+     MakeDevice},
     {"get", "Print the value of one feature",
      "cadrova get carrier-region int calling.ring_seconds --region EU --carrier X1", MakeGet},
     {"list", "List features and the maps that contain them", "cadrova list 'calling.*'", MakeList},

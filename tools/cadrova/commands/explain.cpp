@@ -1,11 +1,15 @@
 #include <algorithm>
+#include <iterator>
 #include <map>
 #include <set>
+#include <utility>
 
 #include "commands/command.h"
 #include "commands/format_option.h"
 #include "commands/shared_options.h"
 #include "common/text.h"
+#include "failure.h"
+#include "fleet/feature_index.h"
 #include "fleet/suggestions.h"
 #include "lookup/data_source.h"
 #include "lookup/explanation.h"
@@ -68,43 +72,146 @@ std::vector<std::string> SimilarKeys(const host::Contents& contents,
   return lines;
 }
 
-std::string ToExplanationText(const Explanation& explanation) {
-  if (!HasFakeCore()) return ToText(explanation, nullptr);
-  const auto contents = ListContents();
-  std::vector<std::string> chain(explanation.chain.size());
-  std::ranges::transform(explanation.chain, chain.begin(), &ChainEntry::map);
-  const std::string& key = explanation.query.key;
-  const DataFacts facts = {contents.file, OtherMaps(contents, chain, key),
-                           SimilarKeys(contents, chain, key)};
-  return ToText(explanation, &facts);
+// The kinds of the items under `key`. They are those in the data, or else, if the core can't list
+// it, in the maps that this device consults.
+std::vector<Kind> KindsOf(const std::string& key, const host::Contents* contents) {
+  std::set<Kind> kinds;
+  if (contents == nullptr) {
+    const Explanation explanation = Explain(MakeQuery(FindFamily("sim"), Kind::kInt, key), nullptr);
+    for (const ChainEntry& entry : explanation.chain) {
+      kinds.insert(entry.kinds.begin(), entry.kinds.end());
+    }
+  } else {
+    host::Contents of_key;
+    std::ranges::copy_if(contents->items, std::back_inserter(of_key.items),
+                         [&](const auto& item) { return item.key == key; });
+    for (const Feature& feature : IndexFeatures({&of_key})) kinds.insert(feature.kind);
+  }
+  return {kinds.begin(), kinds.end()};
 }
 
 class ExplainCommand : public Command {
  public:
   void DeclareOptions(Options& options) override {
-    query_.DeclareOptions(options);
+    options.AddRemaining("KEY", words_, "Key of the feature; or FAMILY KIND KEY [DEFAULT]");
+    options.Add("--family", family_, "FAMILY", "Only this family (default: all)");
+    options.Add("--kind", kind_, "KIND", "Only this kind (default: those in the data)");
+    device_.DeclareOptions(options);
+    sim_.DeclareOptions(options);
     format_.DeclareOptions(options);
     options.AddFlag("--steps", steps_, "Print the calls in order");
   }
 
   int Run() override {
     const std::string format = format_.Choose({{"--steps", steps_}});
-    const Query query = query_.Apply();
-    if (steps_) {
-      const Recording recording = Record(query);
-      query_.WarnOfCodes(recording);
-      Print(Join(recording.calls, "\n") + '\n');
-      return kSuccess;
+    CheckArguments();
+    device_.Apply();
+    sim_.Apply();
+    if (steps_) return PrintSteps();
+    std::optional<host::Contents> contents;
+    if (HasFakeCore()) contents = ListContents();
+    const host::Contents* const data = contents ? &*contents : nullptr;
+    std::vector<std::vector<Explanation>> by_kind;
+    for (const auto& queries : QueriesByKind(data)) {
+      auto& explanations = by_kind.emplace_back();
+      for (const Query& query : queries) {
+        explanations.push_back(Explain(query, data));
+        device_.WarnOfCodes(explanations.back().recording);
+      }
     }
-    const Explanation explanation = Explain(query);
-    query_.WarnOfCodes(explanation.recording);
-    Print(format == "json" ? ToJson(explanation) + '\n' : ToExplanationText(explanation));
-    return kSuccess;
+    if (format == "json") {
+      PrintJson(by_kind);
+    } else {
+      PrintText(by_kind, data);
+    }
+    if (!by_kind.empty()) return kSuccess;
+    PrintError("cadrova: no map contains " + DisplayName(words_[0]) + DidYouMean(data));
+    return kNegative;
   }
 
  private:
-  QueryOptions query_;
-  FormatOption format_{{{"text", ""}, {"json", "Print one JSON object"}}};
+  bool is_key_alone() const { return words_.size() == 1; }
+
+  void CheckArguments() const {
+    if (words_.size() == 2 || words_.size() > 4) {
+      throw Failure("give KEY; or FAMILY, KIND and KEY, and perhaps DEFAULT");
+    }
+    if (is_key_alone() && steps_) throw Failure("--steps needs FAMILY, KIND and KEY");
+    if (!is_key_alone() && (family_ || kind_)) {
+      throw Failure("--family and --kind are only for KEY alone; FAMILY and KIND are given");
+    }
+  }
+
+  Query GivenQuery() const {
+    std::optional<std::string> default_value;
+    if (words_.size() == 4) default_value = words_[3];
+    return MakeQuery(words_[0], words_[1], words_[2], default_value);
+  }
+
+  int PrintSteps() const {
+    const Recording recording = Record(GivenQuery());
+    device_.WarnOfCodes(recording);
+    Print(Join(recording.calls, "\n") + '\n');
+    return kSuccess;
+  }
+
+  std::vector<std::vector<Query>> QueriesByKind(const host::Contents* contents) const {
+    if (!is_key_alone()) return {{GivenQuery()}};
+    const std::string& key = words_[0];
+    const auto kinds = kind_ ? std::vector{FindKind(*kind_)} : KindsOf(key, contents);
+    if (family_ && kinds.size() == 1) return {{MakeQuery(*family_, ToString(kinds[0]), key)}};
+    std::vector<std::vector<Query>> by_kind;
+    for (const Kind kind : kinds) {
+      std::vector<Query> queries;
+      for (const Family& family : Families()) {
+        const bool is_chosen = !family_ || &family == &FindFamily(*family_);
+        if (is_chosen && family.Has(kind)) queries.push_back(MakeQuery(family, kind, key));
+      }
+      if (!queries.empty()) by_kind.push_back(std::move(queries));
+    }
+    return by_kind;
+  }
+
+  void PrintJson(const std::vector<std::vector<Explanation>>& by_kind) const {
+    if (!is_key_alone()) return Print(ToJson(by_kind[0][0]) + '\n');
+    JsonArrayPrinter array;
+    for (const auto& explanations : by_kind) {
+      for (const Explanation& explanation : explanations) array.Add(ToJson(explanation));
+    }
+    array.Finish();
+  }
+
+  static void PrintText(const std::vector<std::vector<Explanation>>& by_kind,
+                        const host::Contents* contents) {
+    const char* separator = "";
+    for (const auto& explanations : by_kind) {
+      std::optional<DataFacts> facts;
+      if (contents != nullptr) facts = FactsOf(*contents, explanations.back());
+      Print(std::exchange(separator, "\n") + ToText(explanations, facts ? &*facts : nullptr));
+    }
+  }
+
+  static DataFacts FactsOf(const host::Contents& contents, const Explanation& explanation) {
+    std::vector<std::string> chain(explanation.chain.size());
+    std::ranges::transform(explanation.chain, chain.begin(), &ChainEntry::map);
+    const std::string& key = explanation.query.key;
+    return {contents.file, OtherMaps(contents, chain, key), SimilarKeys(contents, chain, key)};
+  }
+
+  std::string DidYouMean(const host::Contents* contents) const {
+    if (contents == nullptr) return " on this device";
+    std::set<std::string> keys;
+    for (const auto& item : contents->items) keys.insert(item.key);
+    const auto similar = Suggest(words_[0], {keys.begin(), keys.end()});
+    return similar.empty() ? "" : "; did you mean " + DisplayName(similar[0].name) + '?';
+  }
+
+  std::vector<std::string> words_;
+  std::optional<std::string> family_, kind_;
+  DeviceOptions device_;
+  SimOption sim_;
+  FormatOption format_{
+      {{"text", ""}, {"json", "Print one JSON object, or an array for KEY alone"}}};
   bool steps_ = false;
 };
 

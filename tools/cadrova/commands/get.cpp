@@ -4,6 +4,7 @@
 #include "commands/format_option.h"
 #include "commands/shared_options.h"
 #include "common/text.h"
+#include "lookup/query.h"
 #include "lookup/recording.h"
 #include "output/console.h"
 #include "output/json.h"
@@ -15,17 +16,25 @@ namespace {
 class Get : public Command {
  public:
   void DeclareOptions(Options& options) override {
-    query_.DeclareOptions(options);
+    options.AddRequired("FAMILY", family_, FamilyNames());
+    options.AddRequired("KIND", kind_, KindNames());
+    options.AddRequired("KEY", key_, "Key of the feature");
+    options.Add("DEFAULT", default_, "",
+                "Result for a missing item (default: false, 0, 0 or \"\")");
+    device_.DeclareOptions(options);
+    sim_.DeclareOptions(options);
     format_.DeclareOptions(options);
   }
 
   int Run() override {
     const bool is_json = format_.Choose() == "json";
-    const Query query = query_.Apply();
+    const Query query = MakeQuery(family_, kind_, key_, default_);
+    device_.Apply();
+    sim_.Apply();
     const Recording recording = Record(query);
     const bool is_missing = SourceOf(recording.chain, recording.value, query) == nullptr;
     std::fwrite(recording.printed.data(), 1, recording.printed.size(), stderr);
-    query_.WarnOfCodes(recording);
+    device_.WarnOfCodes(recording);
     Print(is_json ? ToJson(recording.value) + '\n' : ToLines(recording.value));
     if (!is_missing || query.has_default) return kSuccess;
     PrintError("cadrova: no map contains " + DisplayName(query.key) + " as " +
@@ -34,7 +43,10 @@ class Get : public Command {
   }
 
  private:
-  QueryOptions query_;
+  std::string family_, kind_, key_;
+  std::optional<std::string> default_;
+  DeviceOptions device_;
+  SimOption sim_;
   FormatOption format_{{{"text", ""}, {"json", "Print the value as JSON"}}};
 };
 

@@ -88,64 +88,73 @@ const FleetFile* FleetFileOption::Read(const std::vector<std::string>& data_file
                               : &read_.emplace(*path, ReadFleetFile(*path)).first->second;
 }
 
-void QueryOptions::DeclareOptions(Options& options) {
-  options.AddRequired("FAMILY", family_, FamilyNames());
-  options.AddRequired("KIND", kind_, KindNames());
-  options.AddRequired("KEY", key_, "Key of the feature");
-  options.Add("DEFAULT", default_, "", "Result for a missing item (default: false, 0, 0 or \"\")");
+void DeviceOptions::DeclareOptions(Options& options) {
   data_.DeclareOptions(options);
   fleet_.DeclareOptions(options);
   options.Add("--region", region_, "CODE", "Region code (default: from the property store)");
   options.Add("--carrier", carrier_, "CODE", "Carrier code (default: from the property store)");
-  options.AddRepeatable("--sim", sim_items_, "KEY=VALUE",
-                        "SIM item to set in the fake core; repeatable");
 }
 
-Query QueryOptions::Apply() {
-  const Query query = MakeQuery(family_, kind_, key_, default_);
-  if (!sim_items_.empty() && !HasFakeCore()) {
-    throw Failure("--sim needs the fake core; this core may keep the item for other programs");
-  }
-  for (const std::string& item : sim_items_) {
-    if (item.find('=') == std::string::npos) {
-      throw Failure("--sim: '" + item + "' is not KEY=VALUE");
-    }
-  }
+void DeviceOptions::Apply() {
   file_ = fleet_.Read(data_.Apply());
-  // SIM items would add the code of this device.
+  // SIM items, which are set later, would add the code of this device.
   if (HasFakeCore()) used_codes_ = FleetOf(ListMapNames());
   if (region_) OverrideProperty(kRegionCode, *region_);
   if (carrier_) OverrideProperty(kCarrierCode, *carrier_);
-  for (const std::string& item : sim_items_) {
-    const std::size_t equals = item.find('=');
-    android::setSimCadrova(item.substr(0, equals), item.substr(equals + 1));
-  }
-  return query;
 }
 
-void QueryOptions::WarnOfCodes(const Recording& recording) const {
-  if (!HasFakeCore()) return;
-  bool is_any_doubtful = false;
+void DeviceOptions::WarnOfCodes(const Recording& recording) const {
   // The code of the device, if it is known.
-  const auto check = [&](CodeType type, const std::optional<std::string>& given, const char* option,
-                         const char* property) -> std::optional<std::string> {
+  const auto find = [&](const std::optional<std::string>& given, const char* option,
+                        const char* property) -> std::optional<Code> {
+    if (given) return Code{option, *given};
     const auto read = std::ranges::find(recording.properties, property,
                                         &std::pair<std::string, std::string>::first);
-    if (!given && read == recording.properties.end()) return std::nullopt;
-    std::string code = given ? *given : read->second;
-    const std::string doubt = DoubtOf(code, type, file_, used_codes_);
-    if (doubt.empty()) return code;
-    WarnOnce(std::string(given ? option : property) + ": " + doubt);
-    is_any_doubtful = true;
-    return code;
+    if (read == recording.properties.end()) return std::nullopt;
+    return Code{property, read->second};
   };
-  const auto region = check(CodeType::kRegion, region_, "--region", kRegionCode);
-  const auto carrier = check(CodeType::kCarrier, carrier_, "--carrier", kCarrierCode);
+  Warn(find(region_, "--region", kRegionCode), find(carrier_, "--carrier", kCarrierCode));
+}
+
+void DeviceOptions::WarnOfDevice(const Device& device) const {
+  const auto& [region, carrier] = device;
+  const std::string name = DisplayName(region) + '/' + DisplayName(carrier);
+  Warn(Code{name, region}, Code{name, carrier});
+}
+
+void DeviceOptions::Warn(const std::optional<Code>& region,
+                         const std::optional<Code>& carrier) const {
+  if (!HasFakeCore()) return;
+  bool is_any_doubtful = false;
+  const auto check = [&](CodeType type, const std::optional<Code>& code) {
+    const std::string doubt = code ? DoubtOf(code->code, type, file_, used_codes_) : "";
+    if (doubt.empty()) return;
+    WarnOnce(code->name + ": " + doubt);
+    is_any_doubtful = true;
+  };
+  check(CodeType::kRegion, region);
+  check(CodeType::kCarrier, carrier);
   if (!region || !carrier || is_any_doubtful || file_ == nullptr || !file_->devices) return;
   const auto& devices = *file_->devices;
-  if (std::ranges::find(devices, Device(*region, *carrier)) != devices.end()) return;
-  WarnOnce("no device in " + file_->path + " has region " + DisplayName(*region) + " and carrier " +
-           DisplayName(*carrier));
+  if (std::ranges::find(devices, Device(region->code, carrier->code)) != devices.end()) return;
+  WarnOnce("no device in " + file_->path + " has region " + DisplayName(region->code) +
+           " and carrier " + DisplayName(carrier->code));
+}
+
+void SimOption::DeclareOptions(Options& options) {
+  options.AddRepeatable("--sim", items_, "KEY=VALUE",
+                        "SIM item to set in the fake core; repeatable");
+}
+
+void SimOption::Apply() const {
+  if (!items_.empty() && !HasFakeCore()) {
+    throw Failure("--sim needs the fake core; this core may keep the item for other programs");
+  }
+  for (const std::string& item : items_) {
+    const std::size_t equals = item.find('=');
+    if (equals == std::string::npos) throw Failure("--sim: '" + item + "' is not KEY=VALUE");
+    android::setSimCadrova(item.substr(0, equals), item.substr(equals + 1));
+  }
 }
 
 void FleetOptions::DeclareOptions(Options& options) {

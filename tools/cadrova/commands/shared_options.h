@@ -10,7 +10,6 @@
 #include "commands/command_line.h"
 #include "fleet/devices.h"
 #include "fleet/fleet_file.h"
-#include "lookup/query.h"
 #include "lookup/recording.h"
 
 namespace cadrova::tools {
@@ -42,26 +41,47 @@ class FleetFileOption {
   std::map<std::string, FleetFile> read_;  // by path
 };
 
-// The options and arguments of commands that make one lookup on one device.
-class QueryOptions {
+// The options of commands that look at one device: --data, --fleet, --region and --carrier.
+class DeviceOptions {
  public:
   void DeclareOptions(Options& options);
 
-  // Sets the given codes, data and SIM items, and returns the lookup.
-  Query Apply();
+  // Makes the core use the data, and the library read the given codes.
+  void Apply();
 
-  // After the lookup: says on standard error which code that was given, or that the lookup read, is
+  bool has_codes() const { return region_ || carrier_; }
+
+  // After a lookup: says on standard error which code that was given, or that the lookup read, is
   // not one of the fleet file, or may be mistyped.
   void WarnOfCodes(const Recording& recording) const;
 
+  // The same for the codes of a device that an argument names.
+  void WarnOfDevice(const Device& device) const;
+
  private:
-  std::string family_, kind_, key_;
-  std::optional<std::string> default_, region_, carrier_;
+  // A code, and what it is called in messages.
+  struct Code {
+    std::string name, code;
+  };
+  void Warn(const std::optional<Code>& region, const std::optional<Code>& carrier) const;
+
+  std::optional<std::string> region_, carrier_;
   DataOption data_;
   FleetFileOption fleet_;
-  std::vector<std::string> sim_items_;
   const FleetFile* file_ = nullptr;
   Fleet used_codes_;  // of the maps
+};
+
+// --sim
+class SimOption {
+ public:
+  void DeclareOptions(Options& options);
+
+  // Sets the items for the current codes. Throws a Failure.
+  void Apply() const;
+
+ private:
+  std::vector<std::string> items_;
 };
 
 // The devices that the options and the fleet file give.

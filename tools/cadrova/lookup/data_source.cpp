@@ -95,10 +95,12 @@ host::Place PlaceOf(const host::Contents& contents, const std::string& map,
   return is_there ? found->place : host::Place();
 }
 
-std::string LocationOf(const host::Contents& contents, const std::string& map,
-                       const std::string& key) {
-  const host::Place place = PlaceOf(contents, map, key);
-  return place.line == 0 ? "" : host::Printable(contents.file) + ':' + std::to_string(place.line);
+std::string LocationText(const std::string& file, host::Place place) {
+  return place.line == 0 ? "" : host::Printable(file) + ':' + std::to_string(place.line);
+}
+
+std::string ShortLocationText(const std::string& file, host::Place place) {
+  return LocationText(file.substr(file.rfind('/') + 1), place);
 }
 
 host::TomlNode ReadToml(const std::string& path, const std::string& what) {

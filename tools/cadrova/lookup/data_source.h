@@ -57,11 +57,12 @@ class DataFile {
 host::Contents ListContents(const std::string& advice = "only the fake core can");
 std::vector<std::string> ListMapNames(const std::string& advice = "only the fake core can");
 
-// The place of the item in the file, or line 0 if it has none. The second one as "old.toml:12", or
-// nothing.
+// The place of the item in the file, or line 0 if it has none.
 host::Place PlaceOf(const host::Contents& contents, const std::string& map, const std::string& key);
-std::string LocationOf(const host::Contents& contents, const std::string& map,
-                       const std::string& key);
+
+// A place as "data/old.toml:12" or, without the folder, as "old.toml:12". Empty for line 0.
+std::string LocationText(const std::string& file, host::Place place);
+std::string ShortLocationText(const std::string& file, host::Place place);
 
 // The TOML document at `path`, which is a `what`. Throws a Failure if it has an error or can't be
 // read, or if the core is not the fake one.

@@ -5,6 +5,7 @@
 
 #include "common/json_text.h"
 #include "common/text.h"
+#include "lookup/data_source.h"
 #include "output/capture.h"
 
 namespace cadrova::tools {
@@ -17,7 +18,10 @@ std::string NamesOf(std::span<const ConsultedMap> maps) {
 // Records the lookup, then queries each map of its chain. Compares the two.
 class Explainer {
  public:
-  explicit Explainer(const Query& query) : explanation_{query, Record(query), {}, {}} {}
+  Explainer(const Query& query, const host::Contents* contents)
+      : explanation_{query, Record(query), {}, {}, {}}, contents_(contents) {
+    if (contents != nullptr) explanation_.file = contents->file;
+  }
 
   Explanation Explain() {
     DiscardStdout([&] { QueryChain(); });
@@ -66,6 +70,10 @@ class Explainer {
       entry.kinds.push_back(kind);
       if (kind == query_.kind) entry.value = Read(map.name);
     }
+    if (contents_ == nullptr) return entry;
+    entry.exists =
+        std::ranges::binary_search(contents_->maps, map.name, {}, &host::Contents::Map::name);
+    entry.place = PlaceOf(*contents_, map.name, query_.key);
     return entry;
   }
 
@@ -97,13 +105,16 @@ class Explainer {
   void Warn(const std::string& warning) { explanation_.warnings.push_back(warning); }
 
   Explanation explanation_;
+  const host::Contents* const contents_;
   const Query& query_ = explanation_.query;
   const Recording& recording_ = explanation_.recording;
 };
 
 }  // namespace
 
-Explanation Explain(const Query& query) { return Explainer(query).Explain(); }
+Explanation Explain(const Query& query, const host::Contents* contents) {
+  return Explainer(query, contents).Explain();
+}
 
 const ChainEntry* Explanation::source() const {
   const auto found = std::ranges::find(chain, true, &ChainEntry::is_source);

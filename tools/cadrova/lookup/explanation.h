@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "cadrova/host.h"
 #include "lookup/recording.h"
 
 namespace cadrova::tools {
@@ -17,6 +18,8 @@ struct ChainEntry {
   bool is_source = false;     // the value comes from it
   std::vector<Kind> kinds;
   std::optional<Value> value;  // of the lookup's kind, if the map contains it or is the source
+  bool exists = true;          // false if the data has no such map
+  host::Place place = {};      // of the item in the customization file, if it is there
 
   bool Contains(Kind kind) const { return std::ranges::find(kinds, kind) != kinds.end(); }
 };
@@ -25,6 +28,7 @@ struct Explanation {
   Query query;
   Recording recording;
   std::vector<ChainEntry> chain;
+  std::optional<std::string> file;  // of the data, if the core can list it
   // How the core's later answers differ from those during the lookup: its data or a property has
   // changed, or it contradicts itself.
   std::vector<std::string> warnings;
@@ -33,7 +37,8 @@ struct Explanation {
   const ChainEntry* source() const;
 };
 
-// Records the lookup, then its whole chain, and queries each map in it.
-Explanation Explain(const Query& query);
+// Records the lookup, then its whole chain, and queries each map in it. `contents` are those of the
+// core, or NULL if it can't list them.
+Explanation Explain(const Query& query, const host::Contents* contents);
 
 }  // namespace cadrova::tools

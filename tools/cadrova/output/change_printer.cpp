@@ -72,7 +72,7 @@ std::vector<Group> GroupFamilies(const std::vector<FamilyChanges>& families) {
 }
 
 std::string Location(const host::Contents& contents, const Result& result, const std::string& key) {
-  return result.map ? LocationOf(contents, *result.map, key) : "";
+  return result.map ? LocationText(contents.file, PlaceOf(contents, *result.map, key)) : "";
 }
 
 // "removed 7; added 8, 28", or nothing for other kinds, or if a list is missing.

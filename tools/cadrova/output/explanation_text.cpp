@@ -6,7 +6,9 @@
 #include "common/json_text.h"
 #include "common/text.h"
 #include "file.h"
+#include "lookup/data_source.h"
 #include "output/console.h"
+#include "output/long_values.h"
 #include "output/table.h"
 
 namespace cadrova::tools {
@@ -23,29 +25,64 @@ std::string Summary(const Explanation& explanation) {
 }
 
 std::string KindsText(const ChainEntry& entry, Kind wanted) {
+  if (!entry.exists) return "no such map";
   if (entry.kinds.empty()) return "-";
   return Join(entry.kinds, ", ", [](Kind kind) { return ToString(kind); }) +
          (entry.Contains(wanted) ? "" : std::string(", not ") + ToString(wanted));
 }
 
-std::string ChainTable(const Explanation& explanation) {
-  std::vector<Row> rows = {{"map         ", "kind   ", "value"}};
+std::string PlaceText(const Explanation& explanation, const ChainEntry& entry) {
+  return explanation.file ? ShortLocationText(*explanation.file, entry.place) : "";
+}
+
+// The values in the tables. Those that are too long are shown as numbers, and listed below; the
+// value of the first line is not shown again.
+class ValueTexts {
+ public:
+  explicit ValueTexts(const Explanation& explanation)
+      : in_first_line_(ToJsonText(explanation.recording.value)) {}
+
+  std::string ToText(const Value& value) {
+    const std::string text = ToJsonText(value);
+    constexpr std::size_t kWidest = 30;
+    if (DisplayWidth(text) <= kWidest) return text;
+    return text == in_first_line_ ? "(above)" : long_values_.NumberOf(text);
+  }
+
+  std::string List() const { return long_values_.List(); }
+
+ private:
+  std::string in_first_line_;
+  LongValues long_values_;
+};
+
+// A result by each family.
+std::string FamilyTable(const std::vector<Explanation>& explanations, ValueTexts& values) {
+  std::vector<Row> rows = {{"  family      ", "value  ", "map", "place"}};
+  for (const Explanation& explanation : explanations) {
+    const ChainEntry* const source = explanation.source();
+    Row row = {std::string("  ") + explanation.query.family->name, "no map", "", ""};
+    if (source != nullptr) {
+      row = {row[0], values.ToText(explanation.recording.value), DisplayName(source->map),
+             PlaceText(explanation, *source)};
+    }
+    rows.push_back(std::move(row));
+  }
+  return Table(rows, TerminalWidth());
+}
+
+std::string ChainTable(const Explanation& explanation, ValueTexts& values) {
+  const Kind kind = explanation.query.kind;
+  std::vector<Row> rows = {{"  map         ", "kind   ", "value", explanation.file ? "place" : ""}};
   for (const ChainEntry& entry : explanation.chain) {
-    rows.push_back({DisplayName(entry.map), KindsText(entry, explanation.query.kind),
-                    entry.value ? ToJsonText(*entry.value) : ""});
+    const bool is_other_kind = !entry.kinds.empty() && !entry.Contains(kind);
+    Row& row = rows.emplace_back(
+        Row{(entry.is_source ? "> " : "  ") + DisplayName(entry.map), KindsText(entry, kind),
+            entry.value ? values.ToText(*entry.value) : "", PlaceText(explanation, entry)});
+    for (TableCell& cell : row)
+      cell.color = entry.is_source ? kGreen : is_other_kind ? kYellow : "";
   }
-  const auto lines = AlignedLines(rows);
-  std::string table = "  " + lines[0] + '\n';
-  for (std::size_t i = 0; i < explanation.chain.size(); ++i) {
-    const ChainEntry& entry = explanation.chain[i];
-    const std::string& line = lines[i + 1];
-    const bool is_other_kind = !entry.kinds.empty() && !entry.Contains(explanation.query.kind);
-    table += entry.is_source ? Colored("> " + line, kGreen)
-             : is_other_kind ? Colored("  " + line, kYellow)
-                             : "  " + line;
-    table += '\n';
-  }
-  return table;
+  return Table(rows, TerminalWidth());
 }
 
 // The lines, indented, with the label before the first one.
@@ -78,18 +115,25 @@ std::vector<std::string> PropertyLines(const Recording& recording) {
 
 }  // namespace
 
-std::string ToText(const Explanation& explanation, const DataFacts* facts) {
-  std::vector<std::string> printed_lines;
+std::string ToText(const std::vector<Explanation>& explanations, const DataFacts* facts) {
+  const Explanation& explanation = explanations.back();
+  const Query& query = explanation.query;
+  const bool has_families = explanations.size() > 1;
+  const std::string feature = std::string(ToString(query.kind)) + ' ' + DisplayName(query.key) +
+                              " by " + query.family->name + ": ";
+  std::string text = Colored((has_families ? feature : "") + Summary(explanation), kBold) + '\n';
+  for (const Explanation& each : explanations) {
+    for (const std::string& warning : each.warnings) {
+      text += Colored("warning: ", kYellow) + warning + '\n';
+    }
+  }
+  ValueTexts values(explanation);
+  if (has_families) text += '\n' + FamilyTable(explanations, values);
+  text += '\n' + ChainTable(explanation, values) + values.List() + '\n' +
+          Labelled("properties", PropertyLines(explanation.recording));
   if (!explanation.recording.printed.empty()) {
-    printed_lines = {explanation.recording.PrintedLine()};
+    text += Labelled("printed", {explanation.recording.PrintedLine()});
   }
-  std::string text = Colored(Summary(explanation), kBold) + '\n';
-  for (const std::string& warning : explanation.warnings) {
-    text += Colored("warning: ", kYellow) + warning + '\n';
-  }
-  text += '\n' + ChainTable(explanation) + '\n' +
-          Labelled("properties", PropertyLines(explanation.recording)) +
-          Labelled("printed", printed_lines);
   if (facts == nullptr) return text;
   return text + Labelled("data", {facts->file}) +
          Labelled("not in chain", FirstThree(facts->other_maps)) +

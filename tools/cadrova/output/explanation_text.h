@@ -14,6 +14,9 @@ struct DataFacts {
   std::vector<std::string> other_maps;  // contain the key, but are not in the chain
   std::vector<std::string> similar_keys;
 };
-std::string ToText(const Explanation& explanation, const DataFacts* facts);
+
+// Explanations of the same feature, one per family. Shows the result by each, and the chain of the
+// last one. `facts` may be NULL.
+std::string ToText(const std::vector<Explanation>& explanations, const DataFacts* facts);
 
 }  // namespace cadrova::tools

@@ -26,15 +26,20 @@ Json FromValue(const Value& value) {
 
 Json FromOptional(const auto& optional) { return optional ? Json(*optional) : Json(); }
 
-Json FromResult(const Result& result) {
-  return {{"value", FromValue(result.value)}, {"map", FromOptional(result.map)}};
-}
-
-// A line or column that is not known is null.
-void AddPlace(Json& json, const std::string& file, const host::Place& place) {
-  json["file"] = file;
+// What is not known is null.
+void AddPlace(Json& json, const std::optional<std::string>& file, const host::Place& place) {
+  json["file"] = FromOptional(file);
   json["line"] = place.line == 0 ? Json() : Json(place.line);
   json["column"] = place.column == 0 ? Json() : Json(place.column);
+}
+
+// The result, and the place of the item that it comes from.
+void AddResult(Json& json, const host::Contents& contents, const Result& result,
+               const std::string& key) {
+  json["value"] = FromValue(result.value);
+  json["map"] = FromOptional(result.map);
+  const auto place = result.map ? PlaceOf(contents, *result.map, key) : host::Place();
+  AddPlace(json, contents.file, place);
 }
 
 std::string ToLine(const Json& json) {
@@ -50,8 +55,9 @@ std::string ToLine(const Json& json) {
 std::string ToJson(const Value& value) { return ToLine(FromValue(value)); }
 
 std::string ToJson(const Explanation& explanation) {
-  const auto& [query, recording, chain, warnings] = explanation;
+  const auto& [query, recording, chain, file, warnings] = explanation;
   Json json = {{"function", query.family->FunctionName(query.kind)},
+               {"family", query.family->name},
                {"key", query.key},
                {"kind", ToString(query.kind)}};
   if (query.kind <= Kind::kString) json["default"] = FromValue(query.default_value);
@@ -64,10 +70,13 @@ std::string ToJson(const Explanation& explanation) {
   for (const ChainEntry& entry : chain) {
     Json kinds = Json::array();
     for (const Kind kind : entry.kinds) kinds.push_back(ToString(kind));
-    json["maps"].push_back({{"map", entry.map},
-                            {"asked", entry.is_consulted},
-                            {"holds", kinds},
-                            {"value", entry.value ? FromValue(*entry.value) : Json()}});
+    Json map = {{"map", entry.map},
+                {"asked", entry.is_consulted},
+                {"holds", kinds},
+                {"value", entry.value ? FromValue(*entry.value) : Json()},
+                {"exists", file ? Json(entry.exists) : Json()}};
+    AddPlace(map, file, entry.place);
+    json["maps"].push_back(std::move(map));
   }
   json["warnings"] = warnings;
   return ToLine(json);
@@ -76,6 +85,23 @@ std::string ToJson(const Explanation& explanation) {
 std::string ToJson(const Feature& feature) {
   const auto& [key, kind, maps] = feature;
   return ToLine({{"key", key}, {"kind", ToString(kind)}, {"maps", maps}});
+}
+
+std::string ToJson(const Feature& feature, const DeviceResults& results,
+                   const std::vector<Device>& devices, const host::Contents& contents) {
+  Json json = {
+      {"family", results.family->name}, {"key", feature.key}, {"kind", ToString(feature.kind)}};
+  if (devices.size() == 1) {
+    AddResult(json, contents, results.by_device[0], feature.key);
+    return ToLine(json);
+  }
+  for (std::size_t i = 0; i < devices.size(); ++i) {
+    const auto& [region, carrier] = devices[i];
+    Json result = {{"region", region}, {"carrier", carrier}};
+    AddResult(result, contents, results.by_device[i], feature.key);
+    json["devices"].push_back(std::move(result));
+  }
+  return ToLine(json);
 }
 
 void JsonArrayPrinter::Add(const std::string& json) {
@@ -107,9 +133,8 @@ void PrintJson(const FleetChains& chains, const Results& results) {
 void AddChange(JsonArrayPrinter& array, const ChangeContext& context, const Change& change) {
   const auto& [feature, family, fleet, before, after] = context;
   const auto from_result = [&](const host::Contents& contents, const Result& result) {
-    Json json = FromResult(result);
-    const auto place = result.map ? PlaceOf(contents, *result.map, feature.key) : host::Place();
-    AddPlace(json, contents.file, place);
+    Json json;
+    AddResult(json, contents, result, feature.key);
     return json;
   };
   for (const auto& [region, carrier] : change.devices) {

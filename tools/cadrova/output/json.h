@@ -5,6 +5,7 @@
 #include <string>
 
 #include "fleet/changes.h"
+#include "fleet/device_results.h"
 #include "fleet/feature_index.h"
 #include "fleet/findings.h"
 #include "lookup/explanation.h"
@@ -14,6 +15,10 @@ namespace cadrova::tools {
 std::string ToJson(const Value& value);
 std::string ToJson(const Explanation& explanation);
 std::string ToJson(const Feature& feature);
+
+// A feature by a family, with its result on one device, or with one object per device.
+std::string ToJson(const Feature& feature, const DeviceResults& results,
+                   const std::vector<Device>& devices, const host::Contents& contents);
 
 // Prints a JSON array, one element per line, before all elements are known.
 class JsonArrayPrinter {
