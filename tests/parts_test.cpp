@@ -257,6 +257,48 @@ TEST(Table, CountsCharactersAndNotBytes) {
   EXPECT_EQ(Join(AlignedLines({{"漢é\u0301", "a"}, {"1", "b"}}), "|"), "漢é\u0301  a|1    b");
 }
 
+TEST(Text, IsWrappedAtBlanksAndAfterElements) {
+  const struct {
+    std::string text;
+    std::size_t width;
+    Names lines;
+  } cases[] = {
+      // clang-format off
+      {"", 5, {""}}, {"a  b", 4, {"a  b"}}, {"  a  b c ", 5, {"  a", "b c"}}, {"a b c", 3, {"a b", "c"}},
+      {"abcdef b", 3, {"abcdef", "b"}}, {"a bcdef", 3, {"a", "bcdef"}}, {"a,b,c", 3, {"a,b,c"}},
+      {"漢字 é\u0301é", 4, {"漢字", "é\u0301é"}}, {"漢字 漢", 6, {"漢字", "漢"}}, {"漢字 漢", 7, {"漢字 漢"}},
+      {"[1,22,333,4]", 6, {"[1,22,", "333,4]"}}, {"[1,22,333,4]", 5, {"[1,", "22,", "333,", "4]"}},
+      {R"([["a","b"],["c","d"]])", 12, {R"([["a","b"],)", R"(["c","d"]])"}},
+      // Within quotes only if the quoted text does not fit.
+      {R"("a b", "c d")", 9, {R"("a b",)", R"("c d")"}}, {R"("a b" "c d")", 4, {R"("a)", R"(b")", R"("c)", R"(d")"}},
+      {R"(["a, b","c\" d"])", 10, {R"(["a, b",)", R"("c\" d"])"}}, {R"("a [ b" c,d)", 7, {R"("a [ b")", "c,d"}},
+      // clang-format on
+  };
+  for (const auto& [text, width, lines] : cases) {
+    EXPECT_EQ(Wrapped(text, width), lines) << text << ' ' << width;
+  }
+}
+
+TEST(Table, FitsItsWidth) {
+  const std::vector<Row> rows = {{"key", "int", "EU, \"my map\", JP"}, {"漢字.b", "string", "EU"}};
+  const std::pair<std::size_t, std::string> cases[] = {
+      // clang-format off
+      {32, "key     int     EU, \"my map\", JP\n漢字.b  string  EU\n"},
+      {31, "key     int     EU, \"my map\",\n                JP\n漢字.b  string  EU\n"},
+      {25, "key     int     EU,\n                \"my map\",\n                JP\n漢字.b  string  EU\n"},
+      {24, "key     int     EU, \"my\n                map\", JP\n漢字.b  string  EU\n"},
+      {21, "key     int     EU,\n                \"my\n                map\",\n                JP\n漢字.b  string  EU\n"},
+      // clang-format on
+  };
+  for (const auto& [width, text] : cases) EXPECT_EQ(Table(rows, width), text) << width;
+  // One row that does not fit alone leaves the others aligned. If they don't fit together, none is.
+  EXPECT_EQ(Table({{"a.long.key.of.20.byte", "int", "EU, JP"}, {"b", "string", "EU"}}, 26),
+            "a.long.key.of.20.byte  int\n    EU, JP\nb  string  EU\n");
+  EXPECT_EQ(Table({{"a.long.key", "int", "EU"}, {"b", "string-array", "COTA_X1, EU"}}, 20),
+            "a.long.key  int  EU\nb  string-array\n    COTA_X1, EU\n");
+  EXPECT_EQ(Table({{"a b c d", "c d"}, {"1 2", "3"}}, 8), "a b  c d\nc d\n1 2  3\n");
+}
+
 TEST(Matrix, MergesEqualRowsAndColumnsAndListsLongValuesBelow) {
   const std::string maps =
       "DEFAULT.k = ['é23456789012']\nCOTA_X1_EU.k = ['1234567890123']\n"

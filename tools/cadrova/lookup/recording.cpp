@@ -2,7 +2,6 @@
 
 #include <unistd.h>
 
-#include <map>
 #include <set>
 
 #include "common/json_text.h"
@@ -93,5 +92,8 @@ Chain RecordWholeChain(const Query& query) {
 void OverrideProperty(const std::string& name, const std::string& value) {
   Overrides().insert_or_assign(name, value);
 }
+
+OverrideScope::OverrideScope() : overrides_(Overrides()) {}
+OverrideScope::~OverrideScope() { Overrides() = std::move(overrides_); }
 
 }  // namespace cadrova::tools

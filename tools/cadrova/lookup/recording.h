@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <string>
 #include <utility>
 #include <vector>
@@ -58,5 +59,17 @@ constexpr char kRegionCode[] = "ro.orvel.region", kCarrierCode[] = "persist.sys.
 // From now on, the library reads `value` from the property. With an empty value it is unset. The
 // property store does not change, so this works with any property store and any property.
 void OverrideProperty(const std::string& name, const std::string& value);
+
+// When this object is destroyed, the library reads the same values from properties as before.
+class OverrideScope {
+ public:
+  OverrideScope();
+  OverrideScope(const OverrideScope&) = delete;
+  OverrideScope& operator=(const OverrideScope&) = delete;
+  ~OverrideScope();
+
+ private:
+  std::map<std::string, std::string> overrides_;
+};
 
 }  // namespace cadrova::tools

@@ -23,11 +23,6 @@ std::string Variable(const char* name) {
   return value == nullptr ? "" : value;
 }
 
-bool HasColor() {
-  if (color_choice != "auto") return color_choice == "always";
-  return isatty(STDOUT_FILENO) != 0 && Variable("NO_COLOR").empty() && Variable("TERM") != "dumb";
-}
-
 }  // namespace
 
 void ChooseColor(const std::string& when) {
@@ -56,8 +51,13 @@ void Print(const std::string& text) {
   throw Failure("can't write to standard output: " + std::generic_category().message(errno));
 }
 
-std::string Colored(const std::string& text, const char* color) {
-  return HasColor() ? std::string("\x1B[") + color + 'm' + text + "\x1B[0m" : text;
+bool HasColor() {
+  if (color_choice != "auto") return color_choice == "always";
+  return isatty(STDOUT_FILENO) != 0 && Variable("NO_COLOR").empty() && Variable("TERM") != "dumb";
+}
+
+std::string Colored(const std::string& text, const std::string& color) {
+  return HasColor() && !color.empty() ? "\x1B[" + color + 'm' + text + "\x1B[0m" : text;
 }
 
 std::size_t TerminalWidth() {

@@ -20,9 +20,12 @@ constexpr char kBold[] = "1", kRed[] = "31", kGreen[] = "32", kYellow[] = "33";
 // When `Colored` colors: "auto", "always" or "never". Throws a Failure for any other word.
 void ChooseColor(const std::string& when);
 
-// `text` in the color. With "auto", only if standard output is a terminal that has colors, and
+// Whether `Colored` colors. With "auto", only if standard output is a terminal that has colors, and
 // NO_COLOR is not set.
-std::string Colored(const std::string& text, const char* color);
+bool HasColor();
+
+// `text` in the color, which may be "" for none.
+std::string Colored(const std::string& text, const std::string& color);
 
 // The number of columns of the terminal that standard output is, or a huge number if it is none.
 // The environment variable COLUMNS takes precedence over the size of the terminal.

@@ -6,6 +6,7 @@
 #include "common/json_text.h"
 #include "common/text.h"
 #include "html_report_frame.h"
+#include "output/map_types.h"
 
 namespace cadrova::tools {
 namespace {
@@ -34,12 +35,6 @@ std::string CodeHtml(const std::string& code) {
   return code.empty() ? "<i>unset</i>" : Escaped(DisplayName(code));
 }
 
-// The names of the maps in the family's chain, for a device with the codes ‹region› and ‹carrier›.
-std::vector<std::string> MapTypeNames(const Family& family) {
-  const Fleet fleet = {{"‹region›"}, {"‹carrier›"}};
-  return FleetChains(family, fleet).MapNames();
-}
-
 std::string StyleName(std::size_t map_type) { return 'p' + std::to_string(map_type); }
 
 std::string CellStyle(const Cell& cell, const std::vector<std::string>& styles) {
@@ -60,20 +55,7 @@ void Replace(std::string& text, std::string_view mark, const std::string& replac
 }  // namespace
 
 HtmlReport::HtmlReport(std::string source, const Fleet& fleet)
-    : source_(std::move(source)), fleet_(fleet) {
-  // The longest chain comes first: it has the maps of all other chains, in their order.
-  std::vector<std::vector<std::string>> chains;
-  for (const Family& family : Families()) chains.push_back(MapTypeNames(family));
-  std::ranges::iter_swap(chains.begin(),
-                         std::ranges::max_element(chains, {}, &std::vector<std::string>::size));
-  for (const auto& names : chains) {
-    for (const std::string& name : names) {
-      if (std::ranges::find(map_types_, name, &MapType::name) == map_types_.end()) {
-        map_types_.push_back({name});
-      }
-    }
-  }
-}
+    : source_(std::move(source)), fleet_(fleet), is_type_used_(MapTypeNames().size()) {}
 
 void HtmlReport::BeginFeature(const std::string& key, Kind kind) {
   sections_.push_back({key, kind, {}});
@@ -112,9 +94,9 @@ void HtmlReport::Add(const Family& family, const MatrixLayout& layout) {
 
 std::string HtmlReport::ToHtml() const {
   std::string legend, features;
-  for (std::size_t i = 0; i < map_types_.size(); ++i) {
-    const auto& [name, is_used] = map_types_[i];
-    if (is_used) legend += "<li class=" + StyleName(i) + "><small>" + Escaped(name) + "</small>\n";
+  for (std::size_t i = 0; i < is_type_used_.size(); ++i) {
+    if (!is_type_used_[i]) continue;
+    legend += "<li class=" + StyleName(i) + "><small>" + Escaped(MapTypeNames()[i]) + "</small>\n";
   }
   for (const auto& [key, kind, tables] : sections_) {
     features += "<section><h2>" + Escaped(DisplayName(key)) + " <small>" + ToString(kind) +
@@ -139,10 +121,9 @@ std::string HtmlReport::ToHtml() const {
 // The style of each position in the family's chain.
 std::vector<std::string> HtmlReport::StylesOf(const Family& family) {
   std::vector<std::string> styles;
-  for (const std::string& name : MapTypeNames(family)) {
-    const auto found = std::ranges::find(map_types_, name, &MapType::name);
-    found->is_used = true;
-    styles.push_back(StyleName(static_cast<std::size_t>(found - map_types_.begin())));
+  for (const std::size_t type : MapTypesOf(family)) {
+    is_type_used_[type] = true;
+    styles.push_back(StyleName(type));
   }
   return styles;
 }

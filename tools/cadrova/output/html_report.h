@@ -28,17 +28,11 @@ class HtmlReport {
     std::vector<std::pair<std::string, std::string>> tables;  // names of families, and HTML
   };
 
-  // For example COTA_‹carrier›. Its position selects the colour and the sign.
-  struct MapType {
-    std::string name;
-    bool is_used = false;  // by a family of the report
-  };
-
   std::vector<std::string> StylesOf(const Family& family);
 
   std::string source_;
   const Fleet& fleet_;
-  std::vector<MapType> map_types_;
+  std::vector<bool> is_type_used_;  // by type of map: by a family of the report
   std::vector<Section> sections_;
 };
 

@@ -43,7 +43,7 @@ std::string ToText(const std::vector<Feature>& features) {
   for (const auto& [key, kind, maps] : features) {
     rows.push_back({DisplayName(key), ToString(kind), Join(maps, ", ", DisplayName)});
   }
-  return Table(rows);
+  return Table(rows, TerminalWidth());
 }
 
 namespace {
