@@ -44,9 +44,12 @@ class DeviceCommand : public Command {
     const auto families = ChosenFamilies();
     device_.Apply();
     const auto contents = ListContents();
+    for (const Device& device : devices_) device_.WarnOfDevice(device);
     if (devices_.empty()) devices_.push_back(CurrentDevice());
     auto features = IndexFeatures({&contents});
-    std::erase_if(features, [&](const Feature& feature) { return !Matches(feature.key, pattern_.value_or("*")); });
+    std::erase_if(features, [&](const Feature& feature) {
+      return !Matches(feature.key, pattern_.value_or("*"));
+    });
     const auto found = LookUp(families, features, MapNames(contents));
     if (format == "json") {
       JsonArrayPrinter array;

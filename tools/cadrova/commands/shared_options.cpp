@@ -118,7 +118,7 @@ void DeviceOptions::WarnOfCodes(const Recording& recording) const {
 
 void DeviceOptions::WarnOfDevice(const Device& device) const {
   const auto& [region, carrier] = device;
-  const std::string name = DisplayName(region) + '/' + DisplayName(carrier);
+  const std::string name = ToText(device);
   Warn(Code{name, region}, Code{name, carrier});
 }
 

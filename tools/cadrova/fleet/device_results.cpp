@@ -31,11 +31,12 @@ FeatureResults DeviceLookups::LookUp(const Feature& feature) const {
     if (!chains.family().Has(feature.kind)) continue;
     ++found.family_count;
     const Results results = chains.Collect(feature.kind, feature.key, &feature.maps);
-    std::vector<Result> by_device;
+    std::vector<DeviceResult> by_device;
     for (const auto& [region, carrier] : positions_) {
-      by_device.push_back(results.Get(chains.Get(region, carrier)));
+      const auto [result, position] = results.Find(chains.Get(region, carrier));
+      by_device.push_back({*result, position});
     }
-    if (by_device.size() > 1 && IsSame(by_device[0], by_device[1])) continue;
+    if (by_device.size() > 1 && IsSame(by_device[0].result, by_device[1].result)) continue;
     found.results.push_back({&chains.family(), std::move(by_device)});
   }
   return found;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <utility>
 #include <vector>
@@ -12,10 +13,16 @@
 
 namespace cadrova::tools {
 
+// The result of one feature on a device, and the position of its map in the chain.
+struct DeviceResult {
+  Result result;
+  std::uint32_t position;
+};
+
 // The results of one feature by one family, one per device.
 struct DeviceResults {
   const Family* family;
-  std::vector<Result> by_device;
+  std::vector<DeviceResult> by_device;
 };
 
 struct FeatureResults {

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <utility>
 
+#include "common/text.h"
+
 namespace cadrova::tools {
 namespace {
 
@@ -19,6 +21,10 @@ std::optional<std::pair<std::string, std::string>> Split(const std::string& name
 }
 
 }  // namespace
+
+std::string ToText(const Device& device) {
+  return DisplayName(device.first) + '/' + DisplayName(device.second);
+}
 
 Fleet SelectDevices(const Fleet& codes, const std::vector<Device>& devices) {
   const std::set<std::string> all_regions(codes.regions.begin(), codes.regions.end()),

@@ -36,6 +36,9 @@ std::map<std::string, NameCodes> CodesInNames(const std::vector<std::string>& ma
 // A region code and a carrier code.
 using Device = std::pair<std::string, std::string>;
 
+// "EU/X1"
+std::string ToText(const Device& device);
+
 // Those of `devices` whose codes are in `codes`. The fleet has the codes of these devices, in the
 // order of `codes`.
 Fleet SelectDevices(const Fleet& codes, const std::vector<Device>& devices);

@@ -9,6 +9,7 @@
 #include "lookup/data_source.h"
 #include "output/console.h"
 #include "output/long_values.h"
+#include "output/map_types.h"
 #include "output/table.h"
 
 namespace cadrova::tools {
@@ -56,6 +57,10 @@ class ValueTexts {
   LongValues long_values_;
 };
 
+std::string Colors(const std::string& one, const std::string& other) {
+  return one + (one.empty() || other.empty() ? "" : ";") + other;
+}
+
 // A result by each family.
 std::string FamilyTable(const std::vector<Explanation>& explanations, ValueTexts& values) {
   std::vector<Row> rows = {{"  family      ", "value  ", "map", "place"}};
@@ -72,25 +77,32 @@ std::string FamilyTable(const std::vector<Explanation>& explanations, ValueTexts
 }
 
 std::string ChainTable(const Explanation& explanation, ValueTexts& values) {
-  const Kind kind = explanation.query.kind;
+  const auto& [family, kind, key, default_value, has_default] = explanation.query;
   std::vector<Row> rows = {{"  map         ", "kind   ", "value", explanation.file ? "place" : ""}};
-  for (const ChainEntry& entry : explanation.chain) {
+  for (std::uint32_t i = 0; i < explanation.chain.size(); ++i) {
+    const ChainEntry& entry = explanation.chain[i];
     const bool is_other_kind = !entry.kinds.empty() && !entry.Contains(kind);
-    Row& row = rows.emplace_back(
-        Row{(entry.is_source ? "> " : "  ") + DisplayName(entry.map), KindsText(entry, kind),
-            entry.value ? values.ToText(*entry.value) : "", PlaceText(explanation, entry)});
-    for (TableCell& cell : row)
-      cell.color = entry.is_source ? kGreen : is_other_kind ? kYellow : "";
+    const char* const bold = entry.is_source ? kBold : "";
+    rows.push_back({TableCell((entry.is_source ? "> " : "  ") + DisplayName(entry.map),
+                              Colors(MapColor(*family, i), bold)),
+                    TableCell(KindsText(entry, kind), is_other_kind ? kYellow : bold),
+                    TableCell(entry.value ? values.ToText(*entry.value) : "", bold),
+                    TableCell(PlaceText(explanation, entry), bold)});
   }
   return Table(rows, TerminalWidth());
 }
 
 // The lines, indented, with the label before the first one.
 std::string Labelled(std::string label, const std::vector<std::string>& lines) {
+  constexpr std::size_t kIndentation = 15;
+  const std::size_t terminal = TerminalWidth();
+  const std::size_t width = terminal - std::min(terminal, kIndentation);
   std::string text;
   for (const std::string& line : lines) {
-    label.resize(14, ' ');
-    text += std::exchange(label, "") + ' ' + host::Printable(line) + '\n';
+    for (const std::string& part : Wrapped(host::Printable(line), width)) {
+      label.resize(kIndentation, ' ');
+      text += std::exchange(label, "") + part + '\n';
+    }
   }
   return text;
 }
@@ -121,7 +133,11 @@ std::string ToText(const std::vector<Explanation>& explanations, const DataFacts
   const bool has_families = explanations.size() > 1;
   const std::string feature = std::string(ToString(query.kind)) + ' ' + DisplayName(query.key) +
                               " by " + query.family->name + ": ";
-  std::string text = Colored((has_families ? feature : "") + Summary(explanation), kBold) + '\n';
+  std::string text;
+  for (const std::string& line :
+       Wrapped((has_families ? feature : "") + Summary(explanation), TerminalWidth())) {
+    text += Colored(line, kBold) + '\n';
+  }
   for (const Explanation& each : explanations) {
     for (const std::string& warning : each.warnings) {
       text += Colored("warning: ", kYellow) + warning + '\n';

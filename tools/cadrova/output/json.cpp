@@ -92,13 +92,13 @@ std::string ToJson(const Feature& feature, const DeviceResults& results,
   Json json = {
       {"family", results.family->name}, {"key", feature.key}, {"kind", ToString(feature.kind)}};
   if (devices.size() == 1) {
-    AddResult(json, contents, results.by_device[0], feature.key);
+    AddResult(json, contents, results.by_device[0].result, feature.key);
     return ToLine(json);
   }
   for (std::size_t i = 0; i < devices.size(); ++i) {
     const auto& [region, carrier] = devices[i];
     Json result = {{"region", region}, {"carrier", carrier}};
-    AddResult(result, contents, results.by_device[i], feature.key);
+    AddResult(result, contents, results.by_device[i].result, feature.key);
     json["devices"].push_back(std::move(result));
   }
   return ToLine(json);
