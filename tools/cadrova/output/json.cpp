@@ -36,6 +36,11 @@ void AddPlace(Json& json, const std::string& file, const host::Place& place) {
   json["column"] = place.column == 0 ? Json() : Json(place.column);
 }
 
+// For text that need not be UTF-8, such as the name of a file.
+std::string ToLineOfAnyText(const Json& json) {
+  return json.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
 std::string ToLine(const Json& json) {
   try {
     return json.dump();
@@ -72,9 +77,17 @@ std::string ToJson(const Explanation& explanation) {
   return ToLine(json);
 }
 
-std::string ToJson(const Feature& feature) {
-  const auto& [key, kind, maps] = feature;
-  return ToLine({{"key", key}, {"kind", ToString(kind)}, {"maps", maps}});
+std::string ToJson(const Feature& feature, const std::string& file) {
+  const auto& [key, kind, maps, places] = feature;
+  Json json = {{"key", key}, {"kind", ToString(kind)}, {"maps", maps}};
+  Json& json_places = json["places"] = Json::array();
+  for (std::size_t i = 0; i < maps.size(); ++i) {
+    Json place;
+    place["map"] = maps[i];
+    AddPlace(place, file, places[i]);
+    json_places.push_back(std::move(place));
+  }
+  return ToLineOfAnyText(json);
 }
 
 void JsonArrayPrinter::Add(const std::string& json) {
@@ -127,8 +140,7 @@ std::string ToJson(const Finding& finding) {
                {"level", finding.is_error ? "error" : "warning"},
                {"message", finding.message}};
   AddPlace(json, finding.file, finding.place);
-  // The name of the file need not be UTF-8.
-  return json.dump(-1, ' ', false, Json::error_handler_t::replace);
+  return ToLineOfAnyText(json);
 }
 
 }  // namespace cadrova::tools

@@ -13,7 +13,8 @@ namespace cadrova::tools {
 
 std::string ToJson(const Value& value);
 std::string ToJson(const Explanation& explanation);
-std::string ToJson(const Feature& feature);
+// `file` is the customization file that has the feature.
+std::string ToJson(const Feature& feature, const std::string& file);
 
 // Prints a JSON array, one element per line, before all elements are known.
 class JsonArrayPrinter {

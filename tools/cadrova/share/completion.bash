@@ -47,7 +47,7 @@ _cadrova() {
       [[ $word != -* || $command != matrix ]] ||
         words="--data --fleet --regions --carriers --format --json --csv --html --help"
       ;;
-    list) words="--data --format --json --help" ;;
+    list) words="--data --map --format --json --help" ;;
     diff | check)
       if [[ $word != -* ]]; then
         mapfile -t COMPREPLY < <(compgen -f -- "$word")
