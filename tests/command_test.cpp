@@ -145,7 +145,10 @@ TEST(Sample, IsUsedOnlyWithANote) {
         "matrix|default|int|camera.max_zoom"}) {
     const ProgramResult result = Cadrova(line, "CADROVA_HOST_DATA=");
     EXPECT_EQ(std::pair(result.err, result.status), std::pair(note, 0)) << line;
-    EXPECT_EQ(result.out, Cadrova(line, kSample).out) << line;
+    const std::regex folder("/[^ ]*/");
+    EXPECT_EQ(std::regex_replace(result.out, folder, ""),
+              std::regex_replace(Cadrova(line, kSample).out, folder, ""))
+        << line;
   }
   ExpectRefusal(Cadrova("check", "CADROVA_HOST_DATA="),
                 "cadrova: no data file is named; name one as FILE or with CADROVA_HOST_DATA\n");
@@ -168,7 +171,7 @@ TEST(StandardInput, IsACustomizationFile) {
       {"printf 'x = 1\ny = 2\n' | \"$0\" list --data -", "", "<stdin>:1:1: x is outside every map; put it below a [MAP] line; 1 more error\n", 2},
       {"\"$0\" diff - - <\"$1\"", "", "cadrova: OLD and NEW can't both be standard input\n", 2},
       // What is left of an open file, and a closed one.
-      {"{ head -c 1 >/dev/null; \"$0\" list --data -; } <\"$1\"", "k  int  EFAULT\n"},
+      {"{ head -c 1 >/dev/null; \"$0\" list --data -; } <\"$1\"", "k  int  <stdin>:1  EFAULT\n"},
       {"\"$0\" list --data - <&-", "", "<stdin>: can't be read: " + Reason(EBADF), 2},
       // clang-format on
   };
@@ -347,22 +350,7 @@ TEST(Check, ReportsEachFindingByName) { ExpectTranscript("check.txt"); }
 
 TEST(Diff, ShowsWhichDevicesChangeAndHow) { ExpectTranscript("diff.txt"); }
 
-TEST(List, ShowsFeaturesAndTheirMaps) {
-  const std::string data = TemporaryFile(
-      "listed.toml", "DEFAULT = {ring = 30, list = ['a'], '<&' = []}\nEU.ring = 25\nA.list = []\n");
-  ExpectEach({{"list|--data|" + data, R"("<&"  string-array  DEFAULT
-"<&"  int-array     DEFAULT
-"<&"  map-array     DEFAULT
-list  string-array  A, DEFAULT
-ring  int           DEFAULT, EU
-)"},
-              {"list|?i*|--format|json|--data|" + data, R"([
-{"key":"list","kind":"string-array","maps":["A","DEFAULT"]},
-{"key":"ring","kind":"int","maps":["DEFAULT","EU"]}
-]
-)"},
-              {"list|x|--json", "[]\n", "cadrova: no key matches 'x'\n", 1}});
-}
+TEST(List, ShowsFeaturesTheirPlacesAndMaps) { ExpectTranscript("list.txt"); }
 
 // Every cell is the result of a lookup on that device alone.
 TEST(Matrix, ShowsWhatEachDeviceGets) {

@@ -542,7 +542,7 @@ TEST(HtmlReport, IsEqualToTheGoldenFile) {
   const Fleet fleet = {{"", "COTA_X1"}, {"", "X1"}};
   HtmlReport report("<text>", fleet);
   const auto contents = host::List();
-  for (const auto& [key, kind, maps] : IndexFeatures({&contents})) {
+  for (const auto& [key, kind, maps, places] : IndexFeatures({&contents})) {
     report.BeginFeature(key, kind);
     for (const std::string family : {"carrier-region", "sim"}) {
       const FleetChains chains(FindFamily(family), fleet);
@@ -550,6 +550,20 @@ TEST(HtmlReport, IsEqualToTheGoldenFile) {
     }
   }
   ExpectGolden(report.ToHtml(), "report.html");
+}
+
+// Items that are set are not in the file.
+TEST(Features, HaveThePlacesOfItemsInTheFile) {
+  Matrix::Load("[B]\nk = 1\n[A]\nk = 2\n");
+  host::Set("C", "k", 3);
+  host::Set("C", "l", 4);
+  const auto contents = host::List();
+  const auto features = IndexFeatures({&contents});
+  EXPECT_EQ(ToText(features, "f"), "k  int  f:2  A, B, C\nl  int       C\n");
+  EXPECT_EQ(ToJson(features[0], "f"), R"({"key":"k","kind":"int","maps":["A","B","C"],"places":[)"
+                                      R"({"map":"A","file":"f","line":4,"column":1},)"
+                                      R"({"map":"B","file":"f","line":2,"column":1},)"
+                                      R"({"map":"C","file":"f","line":null,"column":null}]})");
 }
 
 TEST(Progress, IsShownOnATerminalWhenWorkHasTakenHalfASecond) {

@@ -12,7 +12,7 @@ constexpr CommandInfo kCommands[] = {
      MakeDevice},
     {"get", "Print the value of one feature",
      "cadrova get carrier-region int calling.ring_seconds --region EU --carrier X1", MakeGet},
-    {"list", "List features and the maps that contain them", "cadrova list 'calling.*'", MakeList},
+    {"list", "List features and the maps that contain them", "cadrova list ring", MakeList},
     {"matrix", "Show the value of a feature on every device",
      "cadrova matrix carrier-region int calling.ring_seconds\n"
      "         cadrova matrix --html devices.html",

@@ -1,7 +1,4 @@
-#include <fnmatch.h>
-
 #include <algorithm>
-#include <cstring>
 #include <utility>
 
 #include "commands/command.h"
@@ -11,6 +8,7 @@
 #include "failure.h"
 #include "fleet/device_results.h"
 #include "fleet/feature_index.h"
+#include "fleet/key_pattern.h"
 #include "lookup/data_source.h"
 #include "output/capture.h"
 #include "output/console.h"
@@ -19,12 +17,6 @@
 
 namespace cadrova::tools {
 namespace {
-
-bool Matches(const std::string& key, const std::string& pattern) {
-  return pattern.find_first_of("*?[") == std::string::npos
-             ? strcasestr(key.c_str(), pattern.c_str()) != nullptr
-             : fnmatch(pattern.c_str(), key.c_str(), 0) == 0;
-}
 
 class DeviceCommand : public Command {
  public:
@@ -46,10 +38,9 @@ class DeviceCommand : public Command {
     const auto contents = ListContents();
     for (const Device& device : devices_) device_.WarnOfDevice(device);
     if (devices_.empty()) devices_.push_back(CurrentDevice());
+    const KeyPattern pattern(pattern_.value_or(""));
     auto features = IndexFeatures({&contents});
-    std::erase_if(features, [&](const Feature& feature) {
-      return !Matches(feature.key, pattern_.value_or("*"));
-    });
+    std::erase_if(features, [&](const Feature& feature) { return !pattern.Matches(feature.key); });
     const auto found = LookUp(families, features, MapNames(contents));
     if (format == "json") {
       JsonArrayPrinter array;
@@ -63,7 +54,7 @@ class DeviceCommand : public Command {
       Print(ToText(found, devices_, contents));
     }
     if (features.empty()) {
-      PrintError("cadrova: no key matches '" + pattern_.value_or("*") + '\'');
+      PrintError("cadrova: no key " + pattern.WithSuggestion(Keys(contents)));
       return kNegative;
     }
     return devices_.size() == 2 && !found.empty() ? kNegative : kSuccess;

@@ -46,7 +46,7 @@ class Diff : public Command {
     Progress progress("comparing each feature");
     for (std::size_t i = 0; i < features.size(); ++i) {
       progress.Show(i, features.size());
-      const auto& [key, kind, feature_maps] = features[i];
+      const auto& [key, kind, feature_maps, places] = features[i];
       std::vector<Results> new_results, old_results;
       const auto collect = [&](const DataFile& data, std::vector<Results>& results) {
         data.Use();

@@ -200,10 +200,8 @@ class ExplainCommand : public Command {
 
   std::string DidYouMean(const host::Contents* contents) const {
     if (contents == nullptr) return " on this device";
-    std::set<std::string> keys;
-    for (const auto& item : contents->items) keys.insert(item.key);
-    const auto similar = Suggest(words_[0], {keys.begin(), keys.end()});
-    return similar.empty() ? "" : "; did you mean " + DisplayName(similar[0].name) + '?';
+    const auto similar = SuggestByPart(words_[0], Keys(*contents));
+    return similar ? "; did you mean " + DisplayName(*similar) + '?' : "";
   }
 
   std::vector<std::string> words_;

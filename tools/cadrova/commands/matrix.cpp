@@ -93,7 +93,7 @@ class Matrix : public Command {
     Progress progress("looking up each feature");
     for (std::size_t i = 0; i < features.size(); ++i) {
       progress.Show(i, features.size());
-      const auto& [key, kind, feature_maps] = features[i];
+      const auto& [key, kind, feature_maps, places] = features[i];
       report.BeginFeature(key, kind);
       for (const FleetChains& chains : families) {
         if (!chains.family().Has(kind)) continue;

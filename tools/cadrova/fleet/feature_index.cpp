@@ -4,6 +4,7 @@
 #include <map>
 #include <set>
 #include <string_view>
+#include <tuple>
 
 namespace cadrova::tools {
 
@@ -32,15 +33,20 @@ std::vector<Feature> IndexFeatures(std::initializer_list<const Contents*> all_co
     }
     for (const Kind kind : info.kinds) {
       Feature& feature = features.emplace_back(Feature{std::string(key), kind, {}});
-      for (const auto* item : info.items) {
-        if (std::ranges::find(item->kinds, kind) != item->kinds.end()) {
-          feature.maps.push_back(item->map);
-        }
-      }
+      auto items = info.items;
+      std::erase_if(items, [&](const auto* item) {
+        return std::ranges::find(item->kinds, kind) == item->kinds.end();
+      });
       // Maps that occur in several contents are listed once.
-      std::ranges::sort(feature.maps);
-      const auto duplicates = std::ranges::unique(feature.maps);
-      feature.maps.erase(duplicates.begin(), duplicates.end());
+      std::ranges::sort(items, {}, [](const auto* item) {
+        return std::tuple(std::string_view(item->map), item->place.line, item->place.column);
+      });
+      const auto duplicates = std::ranges::unique(items, {}, &Contents::Item::map);
+      items.erase(duplicates.begin(), duplicates.end());
+      for (const auto* item : items) {
+        feature.maps.push_back(item->map);
+        feature.places.push_back(item->place);
+      }
     }
   }
   return features;
@@ -50,6 +56,12 @@ std::vector<std::string> MapNames(const Contents& contents) {
   std::vector<std::string> names(contents.maps.size());
   std::ranges::transform(contents.maps, names.begin(), &Contents::Map::name);
   return names;
+}
+
+std::vector<std::string> Keys(const Contents& contents) {
+  std::set<std::string> keys;
+  for (const Contents::Item& item : contents.items) keys.insert(item.key);
+  return {keys.begin(), keys.end()};
 }
 
 }  // namespace cadrova::tools

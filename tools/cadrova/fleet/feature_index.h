@@ -14,6 +14,8 @@ struct Feature {
   std::string key;
   host::Kind kind;
   std::vector<std::string> maps;
+  // Of the items in these maps, in the same order, if they are all in one customization file.
+  std::vector<host::Place> places = {};
 };
 
 // All features in these contents, sorted by key and kind. An empty list has the list kinds that its
@@ -21,5 +23,8 @@ struct Feature {
 std::vector<Feature> IndexFeatures(std::initializer_list<const host::Contents*> all_contents);
 
 std::vector<std::string> MapNames(const host::Contents& contents);
+
+// The keys of all items, sorted, each once.
+std::vector<std::string> Keys(const host::Contents& contents);
 
 }  // namespace cadrova::tools

@@ -6,6 +6,7 @@
 #include <numeric>
 #include <set>
 #include <string_view>
+#include <tuple>
 
 namespace cadrova::tools {
 namespace {
@@ -40,6 +41,8 @@ bool IsShort(const std::string& name) { return name.size() < 3; }
 bool IsWithin(const Suggestion& suggestion, const std::string& name, std::size_t distance) {
   return !suggestion.has_other_words || suggestion.distance <= (IsShort(name) ? 0 : distance);
 }
+
+std::size_t MostEdits(const std::string& name) { return std::max<std::size_t>(1, name.size() / 5); }
 
 bool DifferOnlyInNumbers(const std::string& one, const std::string& other) {
   const auto is_digit = [](const std::string& name, std::size_t i) {
@@ -141,12 +144,41 @@ std::vector<Suggestion> Suggest(const std::string& name,
   std::vector<Suggestion> suggestions;
   for (const std::string& candidate : candidates) {
     Suggestion suggestion = Compare(name, candidate);
-    if (IsWithin(suggestion, name, std::max<std::size_t>(1, name.size() / 5))) {
-      suggestions.push_back(std::move(suggestion));
-    }
+    if (IsWithin(suggestion, name, MostEdits(name))) suggestions.push_back(std::move(suggestion));
   }
   std::ranges::sort(suggestions);
   return suggestions;
+}
+
+std::optional<std::string> SuggestByPart(const std::string& text,
+                                         const std::vector<std::string>& names) {
+  if (text.empty()) return std::nullopt;
+  const std::size_t most_edits = MostEdits(text);
+  std::optional<Suggestion> best;
+  const auto rank = [](const Suggestion& suggestion) {
+    const auto& [has_other_words, distance, name] = suggestion;
+    return std::tuple(has_other_words, distance, name.size(), std::string_view(name));
+  };
+  const auto compare = [&](const std::string& name, const std::string& part) {
+    Suggestion suggestion = Compare(text, part);
+    suggestion.name = name;
+    if (!IsWithin(suggestion, text, most_edits)) return;
+    if (!best || rank(suggestion) < rank(*best)) best = std::move(suggestion);
+  };
+  for (const std::string& name : names) {
+    compare(name, name);
+    const auto is_end = [&](std::size_t i) { return i == name.size() || IsSeparator(name[i]); };
+    for (std::size_t begin = 0; begin < name.size(); ++begin) {
+      if (begin > 0 && !IsSeparator(name[begin - 1])) continue;
+      // A part of another length is not similar.
+      const std::size_t shortest = text.size() - std::min(text.size(), most_edits);
+      const std::size_t longest = std::min(text.size() + most_edits, name.size() - begin);
+      for (std::size_t size = shortest; size <= longest; ++size) {
+        if (is_end(begin + size)) compare(name, name.substr(begin, size));
+      }
+    }
+  }
+  return best ? std::optional(best->name) : std::nullopt;
 }
 
 SuggestionIndex::SuggestionIndex(std::vector<std::string> names) : names_(std::move(names)) {

@@ -3,6 +3,7 @@
 
 #include <compare>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -26,6 +27,12 @@ Suggestion Compare(const std::string& name, const std::string& existing);
 // length. For a name of fewer than three bytes, the distance must be 0.
 std::vector<Suggestion> Suggest(const std::string& name,
                                 const std::vector<std::string>& candidates);
+
+// The most similar name, or nothing if none is similar. Compares `text` with each name and with
+// each sequence of words in it: "rign" is similar to calling.ring_seconds. Of equally similar
+// names, the shortest.
+std::optional<std::string> SuggestByPart(const std::string& text,
+                                         const std::vector<std::string>& names);
 
 // Whether `code` may be a mistyped `other`, where both are regions or both are carriers: they
 // differ only in case, in one doubled letter, or, if both have at least four bytes, in one edit of

@@ -1,5 +1,6 @@
 #include "output/json.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <nlohmann/json.hpp>
@@ -8,6 +9,7 @@
 #include "failure.h"
 #include "lookup/data_source.h"
 #include "output/console.h"
+#include "utf8.h"
 
 namespace cadrova::tools {
 namespace {
@@ -26,9 +28,20 @@ Json FromValue(const Value& value) {
 
 Json FromOptional(const auto& optional) { return optional ? Json(*optional) : Json(); }
 
+// The name of a file need not be UTF-8.
+std::string ToUtf8(std::string_view text) {
+  std::string utf8;
+  while (!text.empty()) {
+    const std::size_t size = host::CharacterSize(text);
+    utf8 += size == 0 ? "\uFFFD" : text.substr(0, size);
+    text.remove_prefix(std::max<std::size_t>(size, 1));
+  }
+  return utf8;
+}
+
 // What is not known is null.
 void AddPlace(Json& json, const std::optional<std::string>& file, const host::Place& place) {
-  json["file"] = FromOptional(file);
+  json["file"] = file ? Json(ToUtf8(*file)) : Json();
   json["line"] = place.line == 0 ? Json() : Json(place.line);
   json["column"] = place.column == 0 ? Json() : Json(place.column);
 }
@@ -82,9 +95,17 @@ std::string ToJson(const Explanation& explanation) {
   return ToLine(json);
 }
 
-std::string ToJson(const Feature& feature) {
-  const auto& [key, kind, maps] = feature;
-  return ToLine({{"key", key}, {"kind", ToString(kind)}, {"maps", maps}});
+std::string ToJson(const Feature& feature, const std::string& file) {
+  const auto& [key, kind, maps, places] = feature;
+  Json json = {{"key", key}, {"kind", ToString(kind)}, {"maps", maps}};
+  Json& json_places = json["places"] = Json::array();
+  for (std::size_t i = 0; i < maps.size(); ++i) {
+    Json place;
+    place["map"] = maps[i];
+    AddPlace(place, file, places[i]);
+    json_places.push_back(std::move(place));
+  }
+  return ToLine(json);
 }
 
 std::string ToJson(const Feature& feature, const DeviceResults& results,
@@ -151,10 +172,9 @@ void AddChange(JsonArrayPrinter& array, const ChangeContext& context, const Chan
 std::string ToJson(const Finding& finding) {
   Json json = {{"finding", finding.type->name},
                {"level", finding.is_error ? "error" : "warning"},
-               {"message", finding.message}};
+               {"message", ToUtf8(finding.message)}};
   AddPlace(json, finding.file, finding.place);
-  // The name of the file need not be UTF-8.
-  return json.dump(-1, ' ', false, Json::error_handler_t::replace);
+  return ToLine(json);
 }
 
 }  // namespace cadrova::tools

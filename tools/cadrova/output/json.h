@@ -14,7 +14,8 @@ namespace cadrova::tools {
 
 std::string ToJson(const Value& value);
 std::string ToJson(const Explanation& explanation);
-std::string ToJson(const Feature& feature);
+// `file` is the customization file that has the feature.
+std::string ToJson(const Feature& feature, const std::string& file);
 
 // A feature by a family, with its result on one device, or with one object per device.
 std::string ToJson(const Feature& feature, const DeviceResults& results,

@@ -37,11 +37,18 @@ std::string ToLines(const Value& value) {
       value);
 }
 
-std::string ToText(const std::vector<Feature>& features) {
+std::string ToText(const std::vector<Feature>& features, const std::string& file) {
+  const std::string shown_file = host::Printable(file);
   std::vector<Row> rows;
   rows.reserve(features.size());
-  for (const auto& [key, kind, maps] : features) {
-    rows.push_back({DisplayName(key), ToString(kind), Join(maps, ", ", DisplayName)});
+  for (const auto& [key, kind, maps, places] : features) {
+    int first_line = 0;
+    for (const auto& [line, column] : places) {
+      if (line != 0 && (first_line == 0 || line < first_line)) first_line = line;
+    }
+    rows.push_back({DisplayName(key), ToString(kind),
+                    first_line == 0 ? "" : shown_file + ':' + std::to_string(first_line),
+                    Join(maps, ", ", DisplayName)});
   }
   return Table(rows, TerminalWidth());
 }

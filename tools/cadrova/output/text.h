@@ -14,7 +14,8 @@ namespace cadrova::tools {
 // For use in shell scripts: one line, or one line per element of a list.
 std::string ToLines(const Value& value);
 
-std::string ToText(const std::vector<Feature>& features);
+// `file` is the customization file that has the features.
+std::string ToText(const std::vector<Feature>& features, const std::string& file);
 
 std::string ToText(const MatrixLayout& layout, const Fleet& fleet);
 
