@@ -293,9 +293,9 @@ TEST(Data, WithAnErrorIsExplainedAndReported) {
       {"[COTA_X1_EU]\nRing.Seconds = 40", "similar keys   Ring.Seconds in COTA_X1_EU\n", "6:6: warning: only COTA_X1_EU contains Ring.Seconds; did you mean ring.seconds? [misspelt-key]\n", 0},
       {"[COTA_X1_EU]\nring.secnods = 40\n[EU]\nring.secnods = 40\nrnig.seconds = 1", "similar keys   ring.secnods in COTA_X1_EU and other maps\n               rnig.seconds in EU\n", "6:6: warning: redundant: without ring.secnods here, every lookup on every device returns the same [redundant-value]\n6:6: warning: ring.secnods is not in DEFAULT [not-in-default]\n9:6: warning: only EU contains rnig.seconds; did you mean ring.seconds? [misspelt-key]\n", 0},
       {"[COTA_X1_EU.ring]\nring.seconds = 40", "similar keys   ring.ring.seconds in COTA_X1_EU\n", "6:6: warning: only COTA_X1_EU contains ring.ring.seconds; did you mean ring.seconds? [misspelt-key]\n", 0},
-      {"[COTA_X1_EU]\nring.seconds = '40'", "\n  COTA_X1_EU    string, not int\n", "6:6: error: ring.seconds is a string here, but an int in DEFAULT, line 2 [kind-conflict]\n"},
-      {"[COTA_X1_EU]\nring.seconds = 40.0", "\n  COTA_X1_EU    float, not int\n", "6:6: error: ring.seconds is a float here, but an int in DEFAULT, line 2 [kind-conflict]\n"},
-      {"[COTA_X1_EU]\nring.seconds = []", "\n  COTA_X1_EU    string-array, int-array, map-array, not int\n", "6:6: error: ring.seconds is an empty list here, but an int in DEFAULT, line 2 [kind-conflict]\n"},
+      {"[COTA_X1_EU]\nring.seconds = '40'", "\n  COTA_X1_EU    string, not int         added.toml:6\n", "6:6: error: ring.seconds is a string here, but an int in DEFAULT, line 2 [kind-conflict]\n"},
+      {"[COTA_X1_EU]\nring.seconds = 40.0", "\n  COTA_X1_EU    float, not int         added.toml:6\n", "6:6: error: ring.seconds is a float here, but an int in DEFAULT, line 2 [kind-conflict]\n"},
+      {"[COTA_X1_EU]\nring.seconds = []", "\n  COTA_X1_EU    string-array, int-array, map-array, not int         added.toml:6\n", "6:6: error: ring.seconds is an empty list here, but an int in DEFAULT, line 2 [kind-conflict]\n"},
       {"[EU]\nrnig.seconds = 2\n[DEFAULT.rnig]\nseconds = 1\n[DEFAULT.rin]\nseconds = 1", "similar keys   rnig.seconds in EU and other maps\n               rin.seconds in DEFAULT\n", "", 0},
       // clang-format on
   };
@@ -346,6 +346,8 @@ void ExpectTranscript(const std::string& name) {
 // Over cores that are not the fake one, the command prints only what these return.
 TEST(OtherCore, IsDescribedAsItIs) { ExpectTranscript("other_cores.txt"); }
 
+TEST(Device, GetsWhatIsShown) { ExpectTranscript("device.txt"); }
+
 TEST(Check, ReportsEachFindingByName) { ExpectTranscript("check.txt"); }
 
 TEST(Diff, ShowsWhichDevicesChangeAndHow) { ExpectTranscript("diff.txt"); }
@@ -391,7 +393,7 @@ TEST(Explain, IsColoredOnlyOnATerminal) {
     const std::string shown = ShownOnTerminal([&](const std::string& terminal) {
       Cadrova("explain|default|int|int|--data|" + kData, setting, terminal);
     });
-    EXPECT_EQ(shown.find("\x1B[32m> DEFAULT") != std::string::npos, setting != "NO_COLOR=1")
+    EXPECT_EQ(shown.find("\x1B[1m> DEFAULT") != std::string::npos, setting != "NO_COLOR=1")
         << shown;
   }
 }
@@ -421,7 +423,7 @@ TEST(Command, RefusesWithOneLineThatSaysWhy) {
     const char* out_file = "";
   } cases[] = {
       // clang-format off
-      {"nope", "cadrova: unknown command 'nope'; use one of: explain, get, list, matrix, diff, check, trace, help\n"},
+      {"nope", "cadrova: unknown command 'nope'; use one of: explain, device, get, list, matrix, diff, check, trace, help\n"},
       {"", "cadrova: unknown command ''"}, {"help|nope", "unknown command 'nope'"},
       {"--nope", "--nope; put arguments that start with \"-\" after \"--\"; see cadrova --help\n"},
       {"get|default|int", "KEY is required; see cadrova get --help\n"},
