@@ -345,6 +345,8 @@ TEST(OtherCore, IsDescribedAsItIs) { ExpectTranscript("other_cores.txt"); }
 
 TEST(Check, ReportsEachFindingByName) { ExpectTranscript("check.txt"); }
 
+TEST(Check, ComparesLookupsWithTheData) { ExpectTranscript("lookups.txt"); }
+
 TEST(Diff, ShowsWhichDevicesChangeAndHow) { ExpectTranscript("diff.txt"); }
 
 TEST(List, ShowsFeaturesAndTheirMaps) {
