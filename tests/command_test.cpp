@@ -350,6 +350,8 @@ TEST(Device, GetsWhatIsShown) { ExpectTranscript("device.txt"); }
 
 TEST(Check, ReportsEachFindingByName) { ExpectTranscript("check.txt"); }
 
+TEST(Check, ComparesLookupsWithTheData) { ExpectTranscript("lookups.txt"); }
+
 TEST(Diff, ShowsWhichDevicesChangeAndHow) { ExpectTranscript("diff.txt"); }
 
 TEST(List, ShowsFeaturesTheirPlacesAndMaps) { ExpectTranscript("list.txt"); }

@@ -22,6 +22,7 @@
 #include "files.h"
 #include "fleet/findings.h"
 #include "fleet/fleet_file.h"
+#include "fleet/lookup_log.h"
 #include "fleet/suggestions.h"
 #include "lookup/data_source.h"
 #include "output/capture.h"
@@ -188,7 +189,7 @@ TEST(FleetFile, IsRefusedWithThePlaceOfTheError) {
       {"check.disabled = []", "1:7: unknown key disabled; did you mean disable?"},
       {"check.disable = true", "1:7: disable must be an array of names of findings"},
       {"check.disable = ['sim-flaot']", "1:18: unknown finding sim-flaot; did you mean sim-float?"},
-      {"check.disable = ['nope']", "1:18: unknown finding nope; use one of: syntax, value, kind-conflict, sim-float, unknown-map, similar-map, misspelt-key, not-in-default, redundant-value, empty-file, unused-allow"},
+      {"check.disable = ['nope']", "1:18: unknown finding nope; use one of: syntax, value, kind-conflict, sim-float, unknown-map, similar-map, misspelt-key, not-in-default, redundant-value, empty-file, unused-allow, unheld-key, wrong-kind, unused-key"},
       {"check.disable = ['syntax']", "1:18: syntax can't be disabled: a file with such an error can't be used"},
       {"[check]\nallow = [{ map = 'A', finding = 'value' }]", "2:23: value can't be allowed: a file with such an error can't be used"},
       {"[check]\nallow = [{ map = 'A' }]", "2:10: finding is missing; write { finding = \"…\", map = \"…\", key = \"…\" }"},
@@ -418,24 +419,130 @@ TEST(Changes, AreTheDifferencesOfTwoMatrices) {
   }
 }
 
+// By the families that programs look the key up by, or else by all.
 TEST(Findings, OfRedundantValuesCanBeFollowedTogether) {
   std::minstd_rand random;
   std::size_t removed = 0;
-  for (int run = 0; run < 100; ++run) {
+  for (int run = 0; run < 200; ++run) {
     const RandomData data = MakeRandomData(random);
     SCOPED_TRACE(ToToml(data));
     Matrix::Load(ToToml(data));
     RandomData rest = data;
-    for (const Finding& finding : CheckContents(host::List(), kRandomFleet, false)) {
+    auto families = Families();
+    LookupLog log;
+    if (run >= 100) {
+      families = families.subspan(static_cast<std::size_t>(run) % families.size(), 1);
+      log.lookups = {{families.data(), Kind::kBool, {"k"}, 1}};
+    }
+    for (const Finding& finding : CheckContents(host::List(), kRandomFleet, false, {&log, 1})) {
       if (finding.type->name != std::string("redundant-value")) continue;
       std::erase_if(rest, [&](const auto& item) { return item.first == finding.map; });
       ++removed;
     }
-    for (const Family& family : Families()) {
+    for (const Family& family : families) {
       EXPECT_EQ(Join(CsvLines(rest, family.name), "\n"), Join(CsvLines(data, family.name), "\n"));
     }
   }
   EXPECT_GT(removed, 100U);
+}
+
+// What the log contains, or why the text is refused.
+std::string ParsedLog(const std::string& trace) {
+  const auto show = [](const LoggedString& string) {
+    return '"' + string.text + (string.is_cut ? "\"..." : "\"");
+  };
+  try {
+    const LookupLog log = ParseLookupLog(trace, "t");
+    std::string text;
+    for (const auto& [family, kind, key, line] : log.lookups) {
+      text += std::to_string(line) + ' ' + (family == nullptr ? "?" : family->name) + ' ' +
+              ToString(kind) + ' ' + show(key) + '\n';
+    }
+    for (const auto& [key, value, line] : log.sim_items) {
+      text += std::to_string(line) + ' ' + show(key) + '=' + show(value) + '\n';
+    }
+    return text;
+  } catch (const Failure& failure) {
+    return failure.what();
+  }
+}
+
+TEST(LookupLog, HasTheKeysOfATrace) {
+  const std::pair<std::string, std::string> cases[] = {
+      // clang-format off
+      {"", ""},
+      {"1 getCustIntFeature(\"k\", -1) = 2 from DEFAULT; asked DEFAULT", "1 default int \"k\"\n"},
+      {"1.23 getRegionCustBooleanFeature(\"k\", true) = true, the default; asked \"E U\", DEFAULT\n", "1 region bool \"k\"\n"},
+      {"1 getCotaCustFloatFeature(\"k\", nan) = 1e+10, from an unknown map; no calls to the core seen\n", "1 carrier float \"k\"\n"},
+      {"1 getCotaRegionCustStringFeature(\"k\", \", 3) = \\\"\") = \"; asked\", the default; asked \"\", COTA_A..., \"é\"...\n", "1 carrier-region string \"k\"\n"},
+      {"1 getSimCustStringFeature(\"k\") = \"\" from SIM_X1; asked SIM_X1\n", "1 sim string \"k\"\n"},
+      {"1 getSimCustStringArrayFeature(\"k\") = [\"]\",\"\\\"\"...] from \"S\"...; asked SIM_X1\n", "1 sim string-array \"k\"\n"},
+      {"1 getCustIntArrayFeature(\"k\") = [1,-2,...] from DEFAULT; asked DEFAULT\n", "1 default int-array \"k\"\n"},
+      {"1 getCustMapArrayFeature(\"k\") = [[\"a\",\"b\"],[\"c\"...]...] from DEFAULT; asked DEFAULT\n", "1 default map-array \"k\"\n"},
+      // Keys are bytes in any form that JSON has.
+      {"1 getCustIntArrayFeature(\"\\\"\\\\\\u000a\\u007f\\u0085\\u202eé\xFF\"...) = [] from DEFAULT; asked DEFAULT\n", "1 default int-array \"\"\\\n\x7F\xC2\x85\u202eé\xFF\"...\n"},
+      {"1 getCustIntArrayFeature(\"\"...) = [] from DEFAULT; asked DEFAULT\n1 getCustIntArrayFeature(\"\") = [] from DEFAULT; asked DEFAULT\n", "1 default int-array \"\"...\n2 default int-array \"\"\n"},
+      // Each lookup is listed once. Its steps and the messages of the trace library are not.
+      {"1 getCustIntArrayFeature(\"k\") = [] from DEFAULT; asked DEFAULT\n    get_int_arr_from_map(\"DEFAULT\", \"k\") = []\nlibcadrova_trace.so: message\n2 getCustIntArrayFeature(\"k\") = [1] from DEFAULT; asked DEFAULT\n"
+       "2 getCustMapArrayFeature(\"k\") = [] from DEFAULT; asked DEFAULT\n2 getSimCustIntArrayFeature(\"k\") = [] from DEFAULT; asked DEFAULT\n", "1 default int-array \"k\"\n5 default map-array \"k\"\n6 sim int-array \"k\"\n"},
+      {"1 GetProperty(\"p\", \"\") = \"v\"\n1 sim_get_str_arr_item_exist(\"M\", \"k\") = false\n1 get_str_item_exist(\"M\", \"k\") = true\n1 get_float_from_map(\"M\", \"k\", 0.5) = 2\n1 get_map_arr_from_map(\"M\", \"k\") = []\n",
+       "2 sim string-array \"k\"\n3 ? string \"k\"\n4 ? float \"k\"\n5 ? map-array \"k\"\n"},
+      {"1 setSimCadrova(\"a\", \"b\"); handed to SIM_DEFAULT, X1\n1 setSimCadrova(\"a\", \"b\"); no calls to the core seen\n1 setSimCadrova(\"a\"..., \"b\"...); handed to SIM_DEFAULT, X1\n    cxx_sim_set_the_cadrova(\"X1\", \"x\", \"y\")\n1 cxx_sim_set_the_cadrova(\"X1\", \"c\", \"d\")\n",
+       "1 \"a\"=\"b\"\n3 \"a\"...=\"b\"...\n5 \"c\"=\"d\"\n"},
+      // Only the last line may be incomplete.
+      {"1 getCustIntArrayFeature(\"k\") = [] from DEFAULT; asked DEFAULT\n1 getCustIntArrayFeature(\"n", "1 default int-array \"k\"\n"},
+      // clang-format on
+  };
+  for (const auto& [trace, log] : cases) EXPECT_EQ(ParsedLog(trace), log) << trace;
+}
+
+TEST(LookupLog, IsRefusedAtTheFirstLineThatNoTraceHas) {
+  const std::string good = "1 getCustIntFeature(\"k\", 1) = 2 from DEFAULT; asked DEFAULT";
+  ASSERT_EQ(ParsedLog(good), "1 default int \"k\"\n");
+  const auto expect_refusal = [&](const std::string& line) {
+    EXPECT_EQ(ParsedLog(good + '\n' + line + '\n' + good),
+              "t:2: not a line of a trace; write the trace with cadrova trace -o FILE");
+  };
+  // Each beginning of a line, except that its last name may be shorter.
+  for (std::size_t size = 0; size < good.size() - 6; ++size) expect_refusal(good.substr(0, size));
+  for (const char* line : {
+           // clang-format off
+        " ", "\r", "x", "getCustIntFeature(\"k\", 1) = 2 from DEFAULT; asked DEFAULT",
+        "1. getCustIntFeature(\"k\", 1) = 2 from DEFAULT; asked DEFAULT", "1  getCustIntFeature(\"k\", 1) = 2 from DEFAULT; asked DEFAULT",
+        "1 getCustIntFeatures(\"k\", 1) = 2 from DEFAULT; asked DEFAULT", "1 getSimCustFloatFeature(\"k\", 1) = 2 from DEFAULT; asked DEFAULT",
+        "1 getCustIntFeature(\"k\") = 2 from DEFAULT; asked DEFAULT", "1 getCustIntArrayFeature(\"k\", []) = [] from DEFAULT; asked DEFAULT",
+        "1 getCustIntFeature(\"\\n\", 1) = 2 from DEFAULT; asked DEFAULT", "1 getCustIntFeature(\"\\u00g1\", 1) = 2 from DEFAULT; asked DEFAULT", "1 getCustIntFeature(\"\\u00",
+        "1 getCustIntFeature(\"k\", 1) = 2 from DEFAULT; asked DEFAULT, ", "1 getCustIntFeature(\"k\", 1) = 2 from DEFAULT; asked DEFAULT EU", "1 getCustIntFeature(\"k\", 1) = 2 from DEFAULT; asked ",
+        "1 getCustIntFeature(\"k\", 1) = 2, the default; no calls to the core seen.", "1 getCustIntFeature(\"k\", 1) = 2; asked DEFAULT",
+        "1 getCustIntArrayFeature(\"k\") = [1,2 from DEFAULT; asked DEFAULT", "1 getCustIntArrayFeature(\"k\") = 1,2 from DEFAULT; asked DEFAULT",
+        "1 setSimCadrova(\"a\", \"b\") = 1; handed to X1", "1 setSimCadrova(\"a\", \"b\"); asked X1", "1 cxx_sim_set_the_cadrova(\"X1\", \"a\")", "1 get_int_item_exist(\"M\", \"k\")", "1 get_int_item_exist(\"M\") = true",
+        "    getCustIntFeature(\"k\", 1) = 2 from DEFAULT; asked DEFAULT", "   get_int_item_exist(\"M\", \"k\") = true", "    1 get_int_item_exist(\"M\", \"k\") = true", "lookups  default  key  kind  from maps  last value"
+           // clang-format on
+       }) {
+    expect_refusal(line);
+  }
+  EXPECT_EQ(ParsedLog("1 getCustIntFeature(\"k"),
+            "t:1: not a line of a trace; write the trace with cadrova trace -o FILE");
+  EXPECT_EQ(ParsedLog(good + "\n1.2 lookups: 3\n"),
+            "t:2: a summary does not contain the lookups; trace without --summary");
+}
+
+// The golden file of the traces has every form.
+TEST(LookupLog, IsReadFromEachTrace) {
+  std::istringstream traces(FileContents(CADROVA_SOURCES "/tests/golden/traces.txt"));
+  std::string trace;
+  bool is_summary = false;
+  std::size_t lookups = 0;
+  for (std::string line; std::getline(traces, line);) {
+    if (line.starts_with("==")) {
+      is_summary = line.find("--summary") != std::string::npos;
+    } else if (!is_summary && line.find("exist with the carrier") == std::string::npos) {
+      trace += std::regex_replace(line, std::regex("^[AB](\\.T)? "), "4711 ") + '\n';
+      if (line.find("Feature(") != std::string::npos) ++lookups;
+    }
+  }
+  EXPECT_NO_THROW(ParseLookupLog(trace, "traces.txt")) << ParsedLog(trace);
+  EXPECT_GT(lookups, 20U);
 }
 
 TEST(Csv, QuotesTextsListsAndMaps) {

@@ -26,6 +26,10 @@ class Check : public Command {
                          "Customization files, - for standard input (default: CADROVA_HOST_DATA)",
                          Options::Need::kOptional);
     fleet_.DeclareOptions(options);
+    options.AddRepeatable("--lookups", log_files_, "FILE",
+                          "Compare the lookups in a trace with the data; repeatable");
+    options.AddFlag("--unused", reports_unused_,
+                    "With --lookups: report keys that no lookup asks for");
     options.AddFlag("--strict", is_strict_, "Report warnings as errors");
     options.AddRepeatable("--disable", disabled_, "FINDING", "Do not report it; repeatable");
     format_.DeclareOptions(options);
@@ -35,6 +39,7 @@ class Check : public Command {
     const std::string format = format_.Choose();
     for (const std::string& name : disabled_) RequireOptionalFinding(name);
     if (files_.empty()) files_ = {RequireDefaultDataFile()};
+    ReadLogs();
     int status = kSuccess;
     for (const std::string& file : files_) {
       try {
@@ -52,6 +57,14 @@ class Check : public Command {
   }
 
  private:
+  void ReadLogs() {
+    if (reports_unused_ && log_files_.empty()) throw Failure("--unused needs --lookups");
+    if (std::ranges::count(files_, "-") + std::ranges::count(log_files_, "-") > 1) {
+      throw Failure("only one file can be standard input");
+    }
+    for (const std::string& file : log_files_) logs_.push_back(ReadLookupLog(file));
+  }
+
   // Throws a Failure if the file or its fleet file can't be read.
   std::vector<Finding> CheckFile(const std::string& file) {
     const DataFile data(file);
@@ -67,12 +80,17 @@ class Check : public Command {
       data.Use();
       const auto contents = ListContents();
       const Fleet fleet = choice.ToFleet(MapNames(contents));
-      findings = CheckContents(contents, fleet, !choice.are_codes_declared());
+      findings =
+          CheckContents(contents, fleet, !choice.are_codes_declared(), logs_, reports_unused_);
     }
     std::vector<bool> no_allowances;
     auto& used = choice.file == nullptr ? no_allowances : UsedAllowances(*choice.file);
-    // What an error hides can't be found, so each allowance may be needed.
-    if (!data.errors().empty()) used.assign(used.size(), true);
+    // What an error hides can't be found, so each allowance may be needed. The same holds for what
+    // is not searched for.
+    for (std::size_t i = 0; i < used.size(); ++i) {
+      const std::string& finding = choice.file->allowed[i].finding;
+      if (!data.errors().empty() || !IsSearchedFor(finding)) used[i] = true;
+    }
     std::erase_if(findings, [&](const Finding& finding) {
       return IsAllowed(finding, choice.file, used) || IsDisabled(finding, choice.file);
     });
@@ -90,6 +108,11 @@ class Check : public Command {
     if (std::ranges::find(types, name, &FindingType::name) != types.end()) return;
     throw Failure("--disable: unknown finding '" + name +
                   "'; use one of: " + Join(types.subspan(2), ", ", &FindingType::name));
+  }
+
+  bool IsSearchedFor(const std::string& finding) const {
+    if (finding == "unused-key") return reports_unused_;
+    return !logs_.empty() || (finding != "unheld-key" && finding != "wrong-kind");
   }
 
   bool IsDisabled(const Finding& finding, const FleetFile* fleet) const {
@@ -152,11 +175,12 @@ class Check : public Command {
     }
   }
 
-  std::vector<std::string> files_, disabled_;
+  std::vector<std::string> files_, log_files_, disabled_;
+  std::vector<LookupLog> logs_;
   FleetOptions fleet_;
   FormatOption format_{
       {{"text", ""}, {"json", "Print a JSON array with one object per finding"}, {"sarif", ""}}};
-  bool is_strict_ = false;
+  bool is_strict_ = false, reports_unused_ = false;
   // The fleet files by path, each with whether an allowance was used.
   std::map<std::string, std::pair<const FleetFile*, std::vector<bool>>> fleets_;
   std::vector<Finding> findings_;

@@ -7,6 +7,7 @@
 
 #include "cadrova/host.h"
 #include "fleet/devices.h"
+#include "fleet/lookup_log.h"
 
 namespace cadrova::tools {
 
@@ -31,12 +32,15 @@ Finding MakeFinding(const std::string& type, const std::string& file, host::Plac
                     const std::string& message, const std::string& map = "",
                     const std::string& key = "");
 
-// In the order of the file, without duplicates, and without warnings at the place of an error.
+// In the order of the files, without duplicates, and without warnings at the place of an error.
 std::vector<Finding> Sorted(std::vector<Finding> findings);
 
 // All findings in `contents` for these devices, in any order. If codes are derived from map names,
-// a mistyped map name gives a new code, so similar map names are also reported.
+// a mistyped map name gives a new code, so similar map names are also reported. The lookups of
+// `logs` are compared with the contents; with `reports_unused`, keys that are in none of them are
+// reported.
 std::vector<Finding> CheckContents(const host::Contents& contents, const Fleet& fleet,
-                                   bool has_derived_codes);
+                                   bool has_derived_codes, std::span<const LookupLog> logs = {},
+                                   bool reports_unused = false);
 
 }  // namespace cadrova::tools

@@ -7,9 +7,11 @@
 #include <utility>
 #include <variant>
 
+#include "cadrova/cadrova.h"
 #include "core/for_command.h"
 #include "failure.h"
 #include "file.h"
+#include "lookup/families.h"
 #include "output/console.h"
 
 // Defined only if the core is the fake one.
@@ -18,6 +20,7 @@ namespace cadrova::host {
 [[gnu::weak]] void UseData(std::shared_ptr<LoadedFile> data);
 [[gnu::weak]] Contents List();
 [[gnu::weak]] std::vector<std::string> ListMapNames();
+[[gnu::weak]] void ClearSim();
 [[gnu::weak]] std::variant<TomlNode, Error> ParseToml(std::string_view toml,
                                                       const std::string& name);
 }  // namespace cadrova::host
@@ -101,6 +104,18 @@ std::string LocationText(const std::string& file, host::Place place) {
 
 std::string ShortLocationText(const std::string& file, host::Place place) {
   return LocationText(file.substr(file.rfind('/') + 1), place);
+}
+
+std::vector<host::Kind> KindsOfSimItem(const std::string& text) {
+  const std::string key = "key";
+  android::setSimCadrova(key, text);
+  std::vector<host::Kind> kinds;
+  for (std::size_t kind = 0; kind < kKindCount; ++kind) {
+    ExistenceTest* const test = ExistenceTestOf(static_cast<Kind>(kind), true);
+    if (CoreContains(test, "SIM_DEFAULT", key)) kinds.push_back(static_cast<Kind>(kind));
+  }
+  host::ClearSim();
+  return kinds;
 }
 
 host::TomlNode ReadToml(const std::string& path, const std::string& what) {

@@ -64,6 +64,10 @@ host::Place PlaceOf(const host::Contents& contents, const std::string& map, cons
 std::string LocationText(const std::string& file, host::Place place);
 std::string ShortLocationText(const std::string& file, host::Place place);
 
+// The kinds as which the core finds a SIM item that a program has set to `text`. The core must be
+// the fake one; discards all SIM items that are set.
+std::vector<host::Kind> KindsOfSimItem(const std::string& text);
+
 // The TOML document at `path`, which is a `what`. Throws a Failure if it has an error or can't be
 // read, or if the core is not the fake one.
 host::TomlNode ReadToml(const std::string& path, const std::string& what);

@@ -6,10 +6,13 @@ _cadrova() {
   local families="default region carrier carrier-region sim"
   COMPREPLY=()
   case $previous in
-    --data | --fleet | --html | -o) mapfile -t COMPREPLY < <(compgen -f -- "$word"); return ;;
+    --data | --fleet | --lookups | --html | -o)
+      mapfile -t COMPREPLY < <(compgen -f -- "$word")
+      return
+      ;;
     --disable)
       words="kind-conflict sim-float unknown-map similar-map misspelt-key not-in-default"
-      words+=" redundant-value empty-file unused-allow"
+      words+=" redundant-value empty-file unused-allow unheld-key wrong-kind unused-key"
       mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")
       return
       ;;
@@ -32,7 +35,7 @@ _cadrova() {
     case ${COMP_WORDS[i]} in
       --) [[ $command != trace ]] || break ;;
       --data | --fleet | --html | --region | --carrier | --regions | --carriers | --family | --sim | \
-        --color | --format | --disable | -o) ((++i)) ;;
+        --color | --format | --disable | --lookups | -o) ((++i)) ;;
       -*) ;;
       *) ((++position)) ;;
     esac
@@ -55,7 +58,7 @@ _cadrova() {
         return
       fi
       words="--fleet --regions --carriers --format --json --color --help"
-      [[ $command == check ]] && words+=" --strict --disable" || words+=" --family --exit-zero"
+      [[ $command == check ]] && words+=" --strict --disable --lookups --unused" || words+=" --family --exit-zero"
       ;;
     trace)
       if [[ ${COMP_WORDS[i]} == -- && i -lt COMP_CWORD ]]; then
