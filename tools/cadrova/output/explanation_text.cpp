@@ -63,7 +63,8 @@ std::string Colors(const std::string& one, const std::string& other) {
 
 // A result by each family.
 std::string FamilyTable(const std::vector<Explanation>& explanations, ValueTexts& values) {
-  std::vector<Row> rows = {{"  family      ", "value  ", "map", explanations[0].file ? "place" : ""}};
+  std::vector<Row> rows = {
+      {"  family      ", "value  ", "map", explanations[0].file ? "place" : ""}};
   for (const Explanation& explanation : explanations) {
     const ChainEntry* const source = explanation.source();
     Row row = {std::string("  ") + explanation.query.family->name, "no map", "", ""};
