@@ -9,7 +9,7 @@ constexpr CommandInfo kCommands[] = {
     {"explain", "Show which map a value comes from",
      "cadrova explain sim int calling.ring_seconds --region EU --carrier X1", MakeExplain},
     {"get", "Print the value of one feature",
-     "cadrova get carrier-region int calling.ring_seconds --region EU --carrier X1", MakeGet},
+     "cadrova get carrier int calling.ring_seconds --carrier X1", MakeGet},
     {"list", "List features and the maps that contain them", "cadrova list 'calling.*'", MakeList},
     {"matrix", "Show the value of a feature on every device",
      "cadrova matrix carrier-region int calling.ring_seconds\n"

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "failure.h"
+#include "file.h"
 #include "lookup/data_source.h"
 #include "output/console.h"
 
@@ -39,7 +40,7 @@ void AddPlace(Json& json, const std::string& file, const host::Place& place) {
 
 std::string ToLine(const Json& json) {
   try {
-    return json.dump();
+    return host::Printable(json.dump());
   } catch (const Json::exception&) {
     throw Failure("JSON can't contain text that is not UTF-8; use --format text");
   }
@@ -129,7 +130,7 @@ std::string ToJson(const Finding& finding) {
                {"message", finding.message}};
   AddPlace(json, finding.file, finding.place);
   // The name of the file need not be UTF-8.
-  return json.dump(-1, ' ', false, Json::error_handler_t::replace);
+  return host::Printable(json.dump(-1, ' ', false, Json::error_handler_t::replace));
 }
 
 }  // namespace cadrova::tools

@@ -16,7 +16,9 @@ std::string ToLines(const Value& value);
 
 std::string ToText(const std::vector<Feature>& features);
 
-std::string ToText(const MatrixLayout& layout, const Fleet& fleet);
+// The results of a feature of this kind on every device.
+std::string ToText(const FleetChains& chains, const Results& results, Kind kind,
+                   const PassedOverMaps& passed_over);
 
 // One line per finding: file:line:column: error: message [name]
 std::string ToText(const std::vector<Finding>& findings);
