@@ -17,7 +17,9 @@
 #include "common/text.h"
 #include "files.h"
 #include "lookup/families.h"
+#include "output/table.h"
 #include "run.h"
+#include "utf8.h"
 
 namespace {
 
@@ -388,6 +390,177 @@ TEST(Matrix, ShowsWhatEachDeviceGets) {
     ExpectEach({{"matrix|--html|" + page + feature, ""}});
     EXPECT_NE(FileContents(page).find(part), std::string::npos);
   }
+}
+
+// 12 carriers, some with CJK characters, an emoji and a combining mark, as keys have.
+const std::string kScreenData = TemporaryFile("screen.toml", R"(
+[DEFAULT]
+ring = 30
+"着信.リング" = "漢字かな交じりの長い文字列です"
+"smile😀.key" = ["one", "two words", "three", "four", "five, six", "seven"]
+"café" = 1
+[EU]
+ring = "25"
+"着信.リング" = "é́"
+[JP]
+"smile😀.key" = ["a"]
+[COTA_R1]
+ring = 1
+[COTA_R2]
+ring = 2
+"café" = 3
+[COTA_R10]
+ring = 10
+[COTA_X1]
+ring = 11
+["COTA_携帯電話"]
+ring = 12
+"着信.リング" = "x"
+"café" = 3
+["COTA_😀"]
+ring = 13
+"café" = 3
+["COTA_é"]
+ring = 14
+"café" = 3
+[COTA_AURA]
+ring = 15
+"café" = 3
+[COTA_BLUE_SKY]
+ring = 16
+"café" = 3
+[COTA_N7]
+ring = 17
+"smile😀.key" = []
+[COTA_N7_US]
+ring = 18
+[COTA_KITE]
+ring = 19
+"café" = 3
+[COTA_ZED]
+ring = 20
+"smile😀.key" = ["a", "much longer list of texts", "with more than one line", "and 漢字"]
+"café" = 3
+[COTA_X1_JP]
+ring = 21
+)");
+
+// Without the carriage returns of the terminal, and with visible colors.
+std::string Shown(const std::string& line, const std::string& setting) {
+  const std::string text =
+      ShownOnTerminal([&](const std::string& terminal) { Cadrova(line, setting, terminal); });
+  return std::regex_replace(std::regex_replace(text, std::regex("\r"), ""),
+                            std::regex("\x1B\\[([0-9;]*)m"), "<$1>");
+}
+
+// The golden file has screens of all widths; no line is wider.
+TEST(Screen, FitsTheTerminal) {
+  const std::string lookups = "|--color|always|--data|" + kScreenData;
+  std::string text;
+  for (const std::size_t width : {50U, 80U, 200U}) {
+    const std::string columns = "COLUMNS=" + std::to_string(width);
+    for (const std::string line :
+         {"list", "matrix|carrier-region|int|ring", "matrix|sim|string-array|smile😀.key",
+          "matrix|region|string|着信.リング", "help|trace", "help|matrix", "help"}) {
+      const std::string shown = Shown(line + (line.starts_with("help") ? "" : lookups), columns);
+      // Other help texts change more often.
+      const bool is_golden = !line.starts_with("help") || line == "help|trace";
+      if (is_golden) text += columns + "$ cadrova " + line + '\n' + shown + '\n';
+      std::istringstream lines(std::regex_replace(shown, std::regex("<[0-9;]*>"), ""));
+      for (std::string shown_line; std::getline(lines, shown_line);) {
+        EXPECT_LE(DisplayWidth(shown_line), width) << shown_line;
+      }
+    }
+  }
+  ExpectGolden(text, "screens.txt");
+}
+
+// Characters that may change what a terminal shows, and similar ones that do not.
+const std::string kUnsafe = "\x1B[2J\x7F\xC2\x9B\u061C\u200F\u202E\u2066";
+const std::string kEscapes = "\\u001b[2J\\u007f\\u009b\\u061c\\u200f\\u202e\\u2066";
+
+// The first unsafe character of `text` except these, as a number, or 0.
+int FindUnsafe(std::string_view text, std::string_view expected = "\n") {
+  while (!text.empty()) {
+    const auto [code, size] = cadrova::host::FirstCharacter(text);
+    if (cadrova::host::IsUnsafe(code) && expected.find(text[0]) == std::string_view::npos) {
+      return static_cast<int>(code);
+    }
+    text.remove_prefix(size);
+  }
+  return 0;
+}
+
+TEST(UnsafeCharacter, IsEscaped) {
+  const std::string name = "x" + kUnsafe, lone = name + "\x9B";
+  const std::string quoted = "\"x" + kEscapes + '"';  // in TOML
+  const auto item = [&](const std::string& value) { return quoted + " = " + value + '\n'; };
+  const std::string file = TemporaryFile(
+      name + ".toml", "[DEFAULT]\n" + item(quoted) + "list = [" + quoted + "]\n[" + quoted + "]\n" +
+                          item("1") + "[COTA_X1]\n" + item("'X1'") + "list = []\n");
+  const std::string bad = TemporaryFile(lone + ".toml", "[DEFAULT]\n" + item("1979-01-01"));
+  const std::string old = TemporaryFile("old.toml", "[DEFAULT]\nlist = ['a']\n");
+  const std::string data = "|--data|" + file, use = '|' + name + data;
+  const std::string device = "|--region|" + name + "|--carrier|" + lone;
+  const std::string sim = "|sim|string|" + lone + "|--sim|" + lone + '=' + lone + device + data;
+  for (const std::string& line : {"list" + data,
+                                  "list|--json" + data,
+                                  "list|" + lone + data,
+                                  "list|--data|" + bad,
+                                  "check|" + file,
+                                  "check|--json|" + file,
+                                  "check|" + bad,
+                                  "check|--json|" + bad,
+                                  "check|--format|sarif|--regions||--carriers|X1|" + file,
+                                  "diff|" + old + '|' + file,
+                                  "diff|--json|" + old + '|' + file,
+                                  "diff|--format|markdown|" + old + '|' + file,
+                                  "matrix|region|string|--regions|," + name + use,
+                                  "matrix|region|string|--carriers|" + lone + use,
+                                  "matrix|region|string|--json" + use,
+                                  "matrix|--html|-" + data,
+                                  "matrix|--html|" + lone + "/x" + data,
+                                  "explain|region|string|--json" + use,
+                                  "explain|sim|string" + use + device,
+                                  "explain" + sim,
+                                  "explain|--steps" + sim,
+                                  "get|region|int|k|" + lone,
+                                  "get|default|int|" + lone + data,
+                                  "help|" + lone,
+                                  lone,
+                                  "trace|-o|/nowhere/" + lone + "|true",
+                                  "trace|" + lone,
+                                  "trace|--summary|--|cadrova|explain" + sim,
+                                  "trace|--steps|--|cadrova|explain" + sim}) {
+    const ProgramResult result = Cadrova(line);
+    EXPECT_EQ(FindUnsafe(result.out), 0) << line << '\n' << result.out;
+    EXPECT_EQ(FindUnsafe(result.err), 0) << line << '\n' << result.err;
+    EXPECT_NE((result.out + result.err).find("\\u202e"), std::string::npos) << line;
+  }
+}
+
+// On a pipe, they are data.
+TEST(UnsafeCharacter, OfDataIsEscapedOnlyOnATerminal) {
+  const std::string value = kUnsafe + "\t1\n2";
+  const std::string csv = "region,carrier,value,map\n\"\",\"" + kUnsafe + "\",0,\n";
+  const std::string line = "getSimCustStringFeature exist with the carrier : ";
+  const std::string get = "get|sim|string|k|--carrier|X|--sim|k=" + value;
+  const std::string matrix = "matrix|region|int|k|--csv|--regions||--carriers|" + kUnsafe;
+  Expect(Cadrova(get), value + '\n', line + value + " \n");
+  Expect(Cadrova(matrix), csv, "cadrova: no map contains k as int\n", 1);
+  const auto escaped = [](const std::string& text) {
+    std::string result = text;
+    result.replace(result.find(kUnsafe), kUnsafe.size(), kEscapes);
+    return result;
+  };
+  EXPECT_EQ(Shown(get, "A="), escaped(value) + '\n');
+  EXPECT_EQ(Shown(matrix, "A="), escaped(csv));
+  const std::string shown = ShownOnTerminal([&](const std::string& terminal) {
+    RunProgram({"sh", "-c", "\"$@\" 2>&1 >/dev/null", "", CADROVA_COMMAND, "get", "sim", "string",
+                "k", "--carrier", "X", "--sim", "k=" + value},
+               {"CADROVA_HOST_DATA=" + kData}, terminal);
+  });
+  EXPECT_EQ(std::regex_replace(shown, std::regex("\r"), ""), line + escaped(value) + " \n");
 }
 
 TEST(Explain, IsColoredOnlyOnATerminal) {

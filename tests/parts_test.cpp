@@ -41,17 +41,21 @@ using Names = std::vector<std::string>;
 
 // The results of one feature on every device of `fleet`, over the data in `toml`.
 struct Matrix {
-  Matrix(const std::string& toml, Fleet devices, const std::string& family, Kind kind)
+  Matrix(const std::string& toml, Fleet devices, const std::string& family, Kind the_kind)
       : fleet(std::move(devices)),
+        kind(the_kind),
         chains((Load(toml), FindFamily(family)), fleet),
         results(chains.Collect(kind, "k")) {}
 
   static void Load(const std::string& toml) {
     EXPECT_EQ(host::LoadText(toml), std::vector<host::Error>());
   }
-  std::string ToText() const { return tools::ToText(LayOut(chains, results), fleet); }
+  std::string ToText() const {
+    return tools::ToText(chains, results, kind, FindPassedOver(chains, results, kind, "k"));
+  }
 
   Fleet fleet;
+  Kind kind;
   FleetChains chains;
   Results results;
 };
@@ -308,7 +312,8 @@ TEST(Matrix, MergesEqualRowsAndColumnsAndListsLongValuesBelow) {
   ExpectGolden(Matrix(maps, fleet, "carrier-region", Kind::kStringArray).ToText(),
                "matrix_merged.txt");
   EXPECT_EQ(Matrix(maps, {{"EU"}, {"X1"}}, "region", Kind::kInt).ToText(),
-            "        carrier\nregion  X1\nEU      no map\n");
+            "        carrier\nregion  X1\nEU      no map !\n\n"
+            "!  DEFAULT: string-array, not int\n");
 }
 
 TEST(Matrix, PutsColumnsThatVaryFirstAndNamesALargeGroupByItsSize) {

@@ -8,6 +8,7 @@
 #include "common/text.h"
 #include "failure.h"
 #include "output/console.h"
+#include "output/table.h"
 
 namespace cadrova::tools {
 namespace {
@@ -32,6 +33,24 @@ const CommandInfo& FindCommand(const std::string& name) {
   }
   throw Failure("unknown command '" + name +
                 "'; use one of: " + Join(Commands(), ", ", &CommandInfo::name));
+}
+
+// `text` with the lines that are too long for the terminal broken between words. The rest of a
+// description is below its first word.
+std::string FitTerminal(const std::string& text) {
+  const std::size_t width = TerminalWidth();
+  std::string fitting;
+  std::istringstream lines(text);
+  for (std::string line; std::getline(lines, line);) {
+    const std::size_t begin = std::min(line.find_first_not_of(' '), line.size());
+    const std::size_t gap = std::min(line.find("  ", begin), line.find(": ", begin));
+    const bool has_gap = gap != std::string::npos;
+    const std::size_t column = has_gap ? line.find_first_not_of(": ", gap) : begin;
+    const std::size_t rest = width - std::min(width, column);
+    fitting += line.substr(0, column) +
+               Join(Wrapped(line.substr(column), rest), '\n' + std::string(column, ' ')) + '\n';
+  }
+  return fitting;
 }
 
 // The argument parser with all commands. Runs the command that the arguments name.
@@ -74,9 +93,9 @@ class Parser {
   }
 
  private:
-  // Without the blank lines at the end of some texts of CLI11.
+  // For the terminal, and without the blank lines at the end of some texts of CLI11.
   static std::string Trimmed(const std::string& text) {
-    return text.substr(0, text.find_last_not_of('\n') + 1) + '\n';
+    return FitTerminal(text.substr(0, text.find_last_not_of('\n') + 1));
   }
 
   // CLI11 also throws help and version texts as errors.

@@ -11,7 +11,7 @@ constexpr CommandInfo kCommands[] = {
     {"device", "Show what a device gets, or how two differ", "cadrova device EU/X1 JP/N7",
      MakeDevice},
     {"get", "Print the value of one feature",
-     "cadrova get carrier-region int calling.ring_seconds --region EU --carrier X1", MakeGet},
+     "cadrova get carrier int calling.ring_seconds --carrier X1", MakeGet},
     {"list", "List features and the maps that contain them", "cadrova list ring", MakeList},
     {"matrix", "Show the value of a feature on every device",
      "cadrova matrix carrier-region int calling.ring_seconds\n"

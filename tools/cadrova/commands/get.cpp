@@ -1,3 +1,5 @@
+#include <unistd.h>
+
 #include <cstdio>
 
 #include "commands/command.h"
@@ -33,9 +35,11 @@ class Get : public Command {
     sim_.Apply();
     const Recording recording = Record(query);
     const bool is_missing = SourceOf(recording.chain, recording.value, query) == nullptr;
-    std::fwrite(recording.printed.data(), 1, recording.printed.size(), stderr);
+    const std::string printed = DataFor(STDERR_FILENO, recording.printed);
+    std::fwrite(printed.data(), 1, printed.size(), stderr);
     device_.WarnOfCodes(recording);
-    Print(is_json ? ToJson(recording.value) + '\n' : ToLines(recording.value));
+    Print(is_json ? ToJson(recording.value) + '\n'
+                  : DataFor(STDOUT_FILENO, ToLines(recording.value)));
     if (!is_missing || query.has_default) return kSuccess;
     PrintError("cadrova: no map contains " + DisplayName(query.key) + " as " +
                ToString(query.kind) + "; see cadrova explain");

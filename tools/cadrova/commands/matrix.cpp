@@ -1,3 +1,5 @@
+#include <unistd.h>
+
 #include <algorithm>
 #include <cstdlib>
 
@@ -8,6 +10,7 @@
 #include "failure.h"
 #include "fleet/feature_index.h"
 #include "fleet/matrix_layout.h"
+#include "fleet/passed_over.h"
 #include "lookup/data_source.h"
 #include "output/console.h"
 #include "output/csv.h"
@@ -58,14 +61,16 @@ class Matrix : public Command {
     if (format == "json") {
       PrintJson(chains, results);
     } else if (format == "csv") {
-      Print(ToCsv(chains, results));
+      Print(DataFor(STDOUT_FILENO, ToCsv(chains, results)));
     } else if (page) {
       HtmlReport report(HasFakeCore() ? ListContents().file : "libcadrova_ffi.so", fleet);
       report.BeginFeature(query.key, query.kind);
-      report.Add(*query.family, LayOut(chains, results));
+      const auto passed_over = FindPassedOver(chains, results, query.kind, query.key);
+      report.Add(*query.family, LayOut(chains, results, passed_over));
       page->Write(report.ToHtml());
     } else {
-      Print(ToText(LayOut(chains, results), fleet));
+      const auto passed_over = FindPassedOver(chains, results, query.kind, query.key);
+      Print(ToText(chains, results, query.kind, passed_over));
     }
     if (!results.is_stable()) {
       PrintError(
@@ -94,10 +99,13 @@ class Matrix : public Command {
     for (std::size_t i = 0; i < features.size(); ++i) {
       progress.Show(i, features.size());
       const auto& [key, kind, feature_maps, places] = features[i];
+      const auto other_maps = MapsOfOtherKinds(features, i);
       report.BeginFeature(key, kind);
       for (const FleetChains& chains : families) {
         if (!chains.family().Has(kind)) continue;
-        report.Add(chains.family(), LayOut(chains, chains.Collect(kind, key, &feature_maps)));
+        const Results results = chains.Collect(kind, key, &feature_maps);
+        const auto passed_over = FindPassedOver(chains, results, kind, key, &other_maps);
+        report.Add(chains.family(), LayOut(chains, results, passed_over));
       }
     }
     page.Write(report.ToHtml());

@@ -4,6 +4,7 @@
 #include <functional>
 #include <map>
 #include <numeric>
+#include <span>
 #include <unordered_map>
 #include <utility>
 
@@ -44,30 +45,41 @@ std::vector<CellRow> Transpose(const std::vector<CellColumn>& columns) {
   return rows;
 }
 
-std::vector<MatrixTable> ToTables(std::vector<CellColumn> columns) {
+using Fits = std::function<bool(const MatrixTable&)>;
+
+std::vector<MatrixTable> ToTables(std::vector<CellColumn> columns, const Fits& fits) {
   constexpr std::size_t kMostColumns = 8;
   const auto groups = MergeEqual(columns);
-  std::vector<std::size_t> order(columns.size());
-  std::iota(order.begin(), order.end(), std::size_t{0});
-  auto end_of_varying = order.end();
-  if (order.size() > kMostColumns) {
-    end_of_varying = std::partition(order.begin(), order.end(), [&](std::size_t i) {
-      return std::ranges::adjacent_find(columns[i], std::not_equal_to()) != columns[i].end();
-    });
-    std::sort(order.begin(), end_of_varying);
-    std::sort(end_of_varying, order.end());
-  }
-  std::vector<MatrixTable> tables;
-  for (auto next = order.begin(); next != order.end();) {
-    const auto end = next < end_of_varying ? end_of_varying : order.end();
-    MatrixTable& table = tables.emplace_back();
+  const auto make_table = [&](std::span<const std::size_t> chosen) {
+    MatrixTable table;
     std::vector<CellColumn> table_columns;
-    for (; next != end && table_columns.size() < kMostColumns; ++next) {
-      table_columns.push_back(columns[*next]);
-      table.carriers.push_back(groups[*next]);
+    for (const std::size_t i : chosen) {
+      table_columns.push_back(columns[i]);
+      table.carriers.push_back(groups[i]);
     }
     table.rows = Transpose(table_columns);
     table.regions = MergeEqual(table.rows);
+    return table;
+  };
+  std::vector<std::size_t> order(columns.size());
+  std::iota(order.begin(), order.end(), std::size_t{0});
+  if (order.size() <= kMostColumns) {
+    MatrixTable table = make_table(order);
+    if (!fits || fits(table)) return {table};
+  }
+  const auto end_of_varying = std::partition(order.begin(), order.end(), [&](std::size_t i) {
+    return std::ranges::adjacent_find(columns[i], std::not_equal_to()) != columns[i].end();
+  });
+  std::sort(order.begin(), end_of_varying);
+  std::sort(end_of_varying, order.end());
+  std::vector<MatrixTable> tables;
+  for (auto next = order.begin(); next != order.end();) {
+    const auto end = next < end_of_varying ? end_of_varying : order.end();
+    auto count = std::min<std::ptrdiff_t>(kMostColumns, end - next);
+    MatrixTable table = make_table({next, next + count});
+    while (fits && !fits(table) && count > 1) table = make_table({next, next + --count});
+    tables.push_back(std::move(table));
+    next += count;
   }
   return tables;
 }
@@ -80,34 +92,45 @@ std::size_t CountCells(const std::vector<MatrixTable>& tables) {
 
 }  // namespace
 
-MatrixLayout LayOut(const FleetChains& chains, const Results& results) {
+MatrixLayout LayOut(const FleetChains& chains, const Results& results,
+                    const PassedOverMaps& passed_over, const Fits& fits) {
   constexpr std::size_t kMostCells = 200;
   const Fleet& fleet = chains.fleet();
+  // Without the maps before the position `first`.
+  const auto cell_of = [&](ChainMaps chain, std::uint32_t first) {
+    const auto [result, position] = results.Find(chain, first);
+    Cell cell = {result, position, nullptr};
+    for (const auto& [id, map_position] : chain) {
+      if (map_position >= position || passed_over.empty()) break;
+      const auto found = passed_over.find(id);
+      if (found == passed_over.end()) continue;
+      cell.passed_over = &found->second;
+      break;
+    }
+    return cell;
+  };
   std::vector<CellColumn> columns(fleet.carriers.size(), CellColumn(fleet.regions.size()));
   std::unordered_map<const Result*, std::size_t> devices;  // how many get this result
   for (std::size_t carrier = 0; carrier < fleet.carriers.size(); ++carrier) {
     for (std::size_t region = 0; region < fleet.regions.size(); ++region) {
       if (!fleet.Has(region, carrier)) continue;
-      const auto [result, position] = results.Find(chains.Get(region, carrier));
-      columns[carrier][region] = {result, position, nullptr};
-      ++devices[result];
+      columns[carrier][region] = cell_of(chains.Get(region, carrier), 0);
+      ++devices[columns[carrier][region].result];
     }
   }
-  MatrixLayout layout = {ToTables(columns), {}};
-  if (CountCells(layout.tables) <= kMostCells) return layout;
-  for (std::size_t carrier = 0; carrier < fleet.carriers.size(); ++carrier) {
+  MatrixLayout layout = {ToTables(columns, {}), {}};
+  const bool is_too_large = CountCells(layout.tables) > kMostCells;
+  for (std::size_t carrier = 0; carrier < fleet.carriers.size() && is_too_large; ++carrier) {
     for (std::size_t region = 0; region < fleet.regions.size(); ++region) {
       Cell& cell = columns[carrier][region];
       if (cell.result == nullptr || devices[cell.result] > 1) continue;
       layout.exceptions.push_back({region, carrier, cell});
       while (devices[cell.result] <= 1 && cell.result->map) {
-        const auto [result, position] =
-            results.Find(chains.Get(region, carrier), cell.position + 1);
-        cell = {result, position, nullptr};
+        cell = cell_of(chains.Get(region, carrier), cell.position + 1);
       }
     }
   }
-  layout.tables = ToTables(std::move(columns));
+  if (is_too_large || fits) layout.tables = ToTables(std::move(columns), fits);
   return layout;
 }
 

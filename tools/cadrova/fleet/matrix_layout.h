@@ -1,18 +1,14 @@
 // The results of all devices as tables in which equal rows and equal columns are merged.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
+#include "fleet/passed_over.h"
 #include "fleet/results.h"
 
 namespace cadrova::tools {
-
-// A map that contains a key, but as other kinds.
-struct PassedOver {
-  std::string map;
-  std::string kinds;  // for example "string"
-};
 
 // The result of one device, and the position of its map in the chain.
 struct Cell {
@@ -49,8 +45,11 @@ struct MatrixLayout {
   std::vector<Exception> exceptions;
 };
 
-// The layout contains pointers to `results`.
-MatrixLayout LayOut(const FleetChains& chains, const Results& results);
+// The layout contains pointers to `results` and `passed_over`. A table that does not fit gets fewer
+// columns. `fits` is called in the order of the tables; the first one that fits is used.
+MatrixLayout LayOut(const FleetChains& chains, const Results& results,
+                    const PassedOverMaps& passed_over = {},
+                    const std::function<bool(const MatrixTable&)>& fits = {});
 
 // The heading of a row or column: its codes, each formatted by `show`, or "every region", or
 // "9 others". `what` is "region" or "carrier".

@@ -184,21 +184,23 @@ std::vector<std::string> FleetChains::MapNames() const {
   return names;
 }
 
+std::vector<std::uint32_t> FleetChains::IdsOf(const std::vector<std::string>* names) const {
+  std::vector<std::uint32_t> found;
+  if (names == nullptr) {
+    for (std::uint32_t id = 0; id < maps_.size(); ++id) found.push_back(id);
+    return found;
+  }
+  for (const std::string& name : *names) {
+    for (const auto& ids : ids_) {
+      if (const auto id = ids.find(name); id != ids.end()) found.push_back(id->second);
+    }
+  }
+  return found;
+}
+
 Results FleetChains::Collect(Kind kind, const std::string& key,
                              const std::vector<std::string>* maps) const {
   const Query query = MakeQuery(family_, kind, key);
-  std::vector<std::uint32_t> candidates;
-  if (maps == nullptr) {
-    for (std::uint32_t id = 0; id < maps_.size(); ++id) candidates.push_back(id);
-  } else {
-    for (const std::string& map : *maps) {
-      for (const auto& ids : ids_) {
-        if (const auto found = ids.find(map); found != ids.end()) {
-          candidates.push_back(found->second);
-        }
-      }
-    }
-  }
   Results results;
   bool is_stable = true;
   DiscardStdout([&] {
@@ -207,7 +209,7 @@ Results FleetChains::Collect(Kind kind, const std::string& key,
     Result missing = LookUpAsIfOnlyIn(nullptr, query, is_stable);
     // The last map of the chain, which lookups read without an existence test.
     if (missing.map) by_map.emplace(ids_[0].at(*missing.map), missing);
-    for (const std::uint32_t id : candidates) {
+    for (const std::uint32_t id : IdsOf(maps)) {
       const Map& map = maps_[id];
       if (by_map.contains(id)) continue;
       if (!CoreContains(ExistenceTestOf(kind, map.is_sim), map.name, key)) continue;

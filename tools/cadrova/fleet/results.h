@@ -100,6 +100,10 @@ class FleetChains {
   // The names of all maps in the chains that exist, by id.
   std::vector<std::string> MapNames() const;
   const std::string& MapName(std::uint32_t id) const { return maps_[id].name; }
+  // Whether the chains consult it with existence tests for SIM data.
+  bool IsSim(std::uint32_t id) const { return maps_[id].is_sim; }
+  // The ids of the maps with these names, or of all if `names` is NULL.
+  std::vector<std::uint32_t> IdsOf(const std::vector<std::string>* names) const;
 
   // The results of a feature with the current data of the core. With `maps`, only these maps are
   // tested for the item.

@@ -12,6 +12,7 @@
 
 #include "failure.h"
 #include "file.h"
+#include "utf8.h"
 
 namespace cadrova::tools {
 namespace {
@@ -49,6 +50,13 @@ void Print(const std::string& text) {
   const bool is_written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
   if (is_written && std::fflush(stdout) == 0) return;
   throw Failure("can't write to standard output: " + std::generic_category().message(errno));
+}
+
+std::string DataFor(int stream, const std::string& data) {
+  if (isatty(stream) == 0) return data;
+  std::string safe;
+  host::AppendSafe(safe, data, "\n\t");
+  return safe;
 }
 
 bool HasColor() {

@@ -15,6 +15,10 @@ void PrintError(const std::string& line);
 // Prints `text` to standard output. Throws a Failure if it can't be written.
 void Print(const std::string& text);
 
+// `data` for a stream such as STDOUT_FILENO. On a terminal, characters that may change what it
+// shows are escaped, except newlines and tabs. Elsewhere `data` is unchanged.
+std::string DataFor(int stream, const std::string& data);
+
 constexpr char kBold[] = "1", kRed[] = "31", kGreen[] = "32", kYellow[] = "33";
 
 // When `Colored` colors: "auto", "always" or "never". Throws a Failure for any other word.

@@ -5,6 +5,7 @@
 
 #include "common/json_text.h"
 #include "common/text.h"
+#include "file.h"
 #include "html_report_frame.h"
 #include "output/map_types.h"
 
@@ -54,8 +55,8 @@ void Replace(std::string& text, std::string_view mark, const std::string& replac
 
 }  // namespace
 
-HtmlReport::HtmlReport(std::string source, const Fleet& fleet)
-    : source_(std::move(source)), fleet_(fleet), is_type_used_(MapTypeNames().size()) {}
+HtmlReport::HtmlReport(const std::string& source, const Fleet& fleet)
+    : source_(host::Printable(source)), fleet_(fleet), is_type_used_(MapTypeNames().size()) {}
 
 void HtmlReport::BeginFeature(const std::string& key, Kind kind) {
   sections_.push_back({key, kind, {}});

@@ -13,7 +13,7 @@ namespace cadrova::tools {
 class HtmlReport {
  public:
   // `source` is the name of the customization file, or of the core.
-  HtmlReport(std::string source, const Fleet& fleet);
+  HtmlReport(const std::string& source, const Fleet& fleet);
 
   // Begins a feature. `Add` adds layouts to it.
   void BeginFeature(const std::string& key, Kind kind);

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "failure.h"
+#include "file.h"
 #include "lookup/data_source.h"
 #include "output/console.h"
 #include "utf8.h"
@@ -57,7 +58,7 @@ void AddResult(Json& json, const host::Contents& contents, const Result& result,
 
 std::string ToLine(const Json& json) {
   try {
-    return json.dump();
+    return host::Printable(json.dump());
   } catch (const Json::exception&) {
     throw Failure("JSON can't contain text that is not UTF-8; use --format text");
   }

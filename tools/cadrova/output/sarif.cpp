@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "common/text.h"
+#include "utf8.h"
 
 namespace cadrova::tools {
 namespace {
@@ -70,7 +71,9 @@ std::string ToSarif(const std::vector<Finding>& findings) {
   const SarifJson log = {{"$schema", "https://json.schemastore.org/sarif-2.1.0.json"},
                          {"version", "2.1.0"},
                          {"runs", runs}};
-  return log.dump(1, ' ', false, SarifJson::error_handler_t::replace) + '\n';
+  std::string text;
+  host::AppendSafe(text, log.dump(1, ' ', false, SarifJson::error_handler_t::replace), "\n");
+  return text + '\n';
 }
 
 }  // namespace cadrova::tools

@@ -90,6 +90,10 @@ std::size_t SumOf(const std::vector<std::size_t>& widths) {
   return std::accumulate(widths.begin(), widths.end(), gaps);
 }
 
+std::vector<std::string> LinesOf(const TableCell& cell, std::size_t width) {
+  return cell.is_whole ? std::vector{cell.text} : Wrapped(cell.text, width);
+}
+
 // The width of each column, at most `width` together with the gaps, or nothing if that is
 // impossible.
 std::vector<std::size_t> ColumnWidths(const std::vector<const Row*>& rows, std::size_t width) {
@@ -116,11 +120,16 @@ std::vector<std::size_t> ColumnWidths(const std::vector<const Row*>& rows, std::
     }
     --widths[widest];
   }
-  return widths;
-}
-
-std::vector<std::string> LinesOf(const TableCell& cell, std::size_t width) {
-  return cell.is_whole ? std::vector{cell.text} : Wrapped(cell.text, width);
+  // Lines that are broken between words may be shorter.
+  std::vector<std::size_t> used(widths.size());
+  for (const Row* row : rows) {
+    for (std::size_t i = 0; i < widths.size(); ++i) {
+      for (const std::string& line : LinesOf((*row)[i], widths[i])) {
+        used[i] = std::max(used[i], DisplayWidth(line));
+      }
+    }
+  }
+  return used;
 }
 
 void AppendAligned(std::vector<std::string>& lines, const Row& row,

@@ -6,6 +6,7 @@
 #include "common/text.h"
 #include "file.h"
 #include "output/console.h"
+#include "output/map_types.h"
 #include "output/table.h"
 
 namespace cadrova::tools {
@@ -55,65 +56,121 @@ std::string ToText(const std::vector<Feature>& features, const std::string& file
 
 namespace {
 
-// The texts of the cells of a matrix. Long values are replaced with numbers, and listed separately.
-class CellTexts {
+// The rows of the tables of a matrix. Long values are replaced with numbers. These, and the maps
+// that were passed over, are explained below the tables.
+class MatrixRows {
  public:
-  std::string ToText(const Cell& cell) {
-    if (cell.result == nullptr) return "";
-    const Result& result = *cell.result;
-    if (!result.map) return "no map";
-    std::string value = ToJsonText(result.value);
-    if (host::CharacterCount(value) > kMostCharacters) value = NumberOf(value);
-    return value + ' ' + DisplayName(*result.map);
-  }
+  explicit MatrixRows(const FleetChains& chains)
+      : family_(&chains.family()), fleet_(&chains.fleet()) {}
 
-  std::string LongValues() const {
-    std::string lines;
-    for (std::size_t i = 0; i < long_values_.size(); ++i) {
-      lines += (i == 0 ? "\n(" : "(") + std::to_string(i + 1) + ")  " + long_values_[i] + '\n';
-    }
-    return lines;
-  }
-
- private:
-  static constexpr std::size_t kMostCharacters = 16;
-
-  std::string NumberOf(const std::string& value) {
-    auto found = std::ranges::find(long_values_, value);
-    if (found == long_values_.end()) found = long_values_.insert(found, value);
-    return '(' + std::to_string(found - long_values_.begin() + 1) + ')';
-  }
-
-  std::vector<std::string> long_values_;
-};
-
-}  // namespace
-
-std::string ToText(const MatrixLayout& layout, const Fleet& fleet) {
-  std::string text;
-  CellTexts cells;
-  for (const auto& [regions, carriers, table] : layout.tables) {
+  std::vector<Row> Of(const MatrixTable& table) {
+    const auto& [regions, carriers, cells] = table;
     std::vector<Row> rows(2, Row(carriers.size() + 1));
     rows[0][1] = "carrier";
     rows[1][0] = "region";
     for (std::size_t i = 0; i < carriers.size(); ++i) {
-      rows[1][i + 1] = Heading(carriers[i], fleet.carriers, "carrier", DisplayName);
+      rows[1][i + 1] = Heading(carriers[i], fleet_->carriers, "carrier", DisplayName);
     }
     for (std::size_t i = 0; i < regions.size(); ++i) {
-      Row& row = rows.emplace_back(Row{Heading(regions[i], fleet.regions, "region", DisplayName)});
-      for (const Cell& cell : table[i]) row.push_back(cells.ToText(cell));
+      Row& row =
+          rows.emplace_back(Row{Heading(regions[i], fleet_->regions, "region", DisplayName)});
+      for (const Cell& cell : cells[i]) {
+        row.push_back(ToTableCell(cell));
+        row.back().is_whole = carriers.size() > 1;  // Fewer columns are better than broken cells.
+      }
     }
-    text += (text.empty() ? "" : "\n") + Table(rows);
+    return rows;
   }
-  if (!layout.exceptions.empty()) {
+
+  std::vector<Row> Of(const std::vector<MatrixLayout::Exception>& exceptions) {
     std::vector<Row> rows = {{"region", "carrier", "exception"}};
-    for (const auto& [region, carrier, cell] : layout.exceptions) {
-      rows.push_back({DisplayName(fleet.regions[region]), DisplayName(fleet.carriers[carrier]),
-                      cells.ToText(cell)});
+    for (const auto& [region, carrier, cell] : exceptions) {
+      rows.push_back({DisplayName(fleet_->regions[region]), DisplayName(fleet_->carriers[carrier]),
+                      ToTableCell(cell)});
     }
-    text += '\n' + Table(rows);
+    return rows;
   }
-  return text + cells.LongValues();
+
+  // `kind` is that of the lookup.
+  std::vector<Row> OfPassedOverMaps(Kind kind) const {
+    std::vector<Row> rows;
+    for (const PassedOver* map : passed_over_) {
+      rows.push_back(
+          {kMark, DisplayName(map->map) + ": " + map->kinds + ", not " + ToString(kind)});
+    }
+    return rows;
+  }
+
+  std::vector<Row> OfLongValues() const {
+    std::vector<Row> rows;
+    for (const std::string& value : long_values_) rows.push_back({NumberOf(rows.size()), value});
+    return rows;
+  }
+
+ private:
+  static constexpr char kMark[] = "!";
+
+  static std::string NumberOf(std::size_t index) { return '(' + std::to_string(index + 1) + ')'; }
+
+  TableCell ToTableCell(const Cell& cell) {
+    if (cell.result == nullptr) return "";
+    const auto& [value, map] = *cell.result;
+    std::string text = map ? Shortened(ToJsonText(value)) + ' ' + DisplayName(*map) : "no map";
+    if (cell.passed_over != nullptr) {
+      text.append(" ").append(kMark);
+      PositionIn(passed_over_, cell.passed_over);
+    }
+    return {text, MapColor(*family_, cell.position)};
+  }
+
+  std::string Shortened(const std::string& value) {
+    constexpr std::size_t kMostColumns = 16;
+    if (DisplayWidth(value) <= kMostColumns) return value;
+    return NumberOf(PositionIn(long_values_, value));
+  }
+
+  // Adds `element` if it is not in `list`.
+  template <class Element>
+  static std::size_t PositionIn(std::vector<Element>& list, const Element& element) {
+    const auto found = std::ranges::find(list, element);
+    const auto position = static_cast<std::size_t>(found - list.begin());
+    if (found == list.end()) list.push_back(element);
+    return position;
+  }
+
+  const Family* family_;
+  const Fleet* fleet_;
+  std::vector<std::string> long_values_;
+  std::vector<const PassedOver*> passed_over_;
+};
+
+}  // namespace
+
+std::string ToText(const FleetChains& chains, const Results& results, Kind kind,
+                   const PassedOverMaps& passed_over) {
+  const std::size_t width = TerminalWidth();
+  std::function<bool(const MatrixTable&)> fits;
+  // A table is measured with the numbers of long values that the tables before it leave.
+  MatrixRows measured(chains);
+  if (width != kAnyWidth) {
+    fits = [&](const MatrixTable& table) {
+      MatrixRows next = measured;
+      if (!IsAlignable(next.Of(table), width)) return false;
+      measured = std::move(next);
+      return true;
+    };
+  }
+  const MatrixLayout layout = LayOut(chains, results, passed_over, fits);
+  MatrixRows rows(chains);
+  std::string text;
+  const auto add = [&](const std::vector<Row>& part) {
+    if (!part.empty()) text += (text.empty() ? "" : "\n") + Table(part, width);
+  };
+  for (const MatrixTable& table : layout.tables) add(rows.Of(table));
+  if (!layout.exceptions.empty()) add(rows.Of(layout.exceptions));
+  add(rows.OfPassedOverMaps(kind));
+  add(rows.OfLongValues());
+  return text;
 }
 
 std::string ToText(const std::vector<Finding>& findings) {

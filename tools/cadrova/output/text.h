@@ -17,7 +17,9 @@ std::string ToLines(const Value& value);
 // `file` is the customization file that has the features.
 std::string ToText(const std::vector<Feature>& features, const std::string& file);
 
-std::string ToText(const MatrixLayout& layout, const Fleet& fleet);
+// The results of a feature of this kind on every device.
+std::string ToText(const FleetChains& chains, const Results& results, Kind kind,
+                   const PassedOverMaps& passed_over);
 
 // One line per finding: file:line:column: error: message [name]
 std::string ToText(const std::vector<Finding>& findings);

@@ -19,6 +19,7 @@
 
 #include "cut_values.h"
 #include "interpose/next_definition.h"
+#include "utf8.h"
 
 namespace cadrova::tools {
 namespace {
@@ -261,7 +262,7 @@ void Output::ReportLostLine() {
 void Output::ReportFailure(int error) {
   TextBuffer message;
   message += "libcadrova_trace.so: can't write to ";
-  message += path_ == nullptr ? "standard error" : path_;
+  host::AppendSafe(message, path_ == nullptr ? "standard error" : path_);
   message += ": ";
   message += error == ENXIO ? "no process reads it" : std::strerror(error);
   message += "; name another with CADROVA_TRACE\n";
@@ -278,11 +279,10 @@ void Output::ReportNoDefinition(const char* function) {
 
 void Output::ReportUnknownCaller(const void* address) {
   if (has_unknown_caller_.test()) return;
-  TextBuffer message;
+  TextBuffer path, message;
+  AppendBinaryPath(path, address);
   message += "libcadrova_trace.so: calls from ";
-  const std::size_t size = message.Text().size();
-  AppendBinaryPath(message, address);
-  if (message.Text().size() == size) message += "the program";
+  host::AppendSafe(message, path.Text().empty() ? "the program" : path.Text());
 #ifdef _LIBCPP_VERSION
   constexpr char kStandardLibrary[] = "libc++";
 #else
