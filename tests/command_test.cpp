@@ -335,7 +335,7 @@ void ExpectTranscript(const std::string& name) {
     } else if (std::regex_match(line, match, std::regex("([a-z]*)\\$ (.*)"))) {
       const std::string core = match[1];
       const std::string command =
-          std::regex_replace(match[2].str(), std::regex("cadrova (?=[a-z])"), kShellCommand + ' ');
+          std::regex_replace(match[2].str(), std::regex("cadrova (?=[a-z_])"), kShellCommand + ' ');
       const auto [out, err, status] =
           RunProgram({"sh", "-c", "cd \"$0\"; " + command, folder},
                      {core.empty() ? "A=" : "LD_LIBRARY_PATH=" CADROVA_CORES + core});
@@ -741,7 +741,8 @@ TEST(FakePropertyStore, RefusesABadFileWithOneLineThatSaysWhy) {
 }
 
 TEST(Command, HasAFileOfItsName) {
-  std::set<std::string> names = {"command_line", "commands", "format_option", "shared_options"},
+  std::set<std::string> names = {"command_line", "commands", "complete", "format_option",
+                                 "shared_options"},
                         files;
   for (const CommandInfo& command : Commands()) names.insert(command.name);
   for (const auto& file :
@@ -751,10 +752,22 @@ TEST(Command, HasAFileOfItsName) {
   EXPECT_EQ(names, files) << "commands.cpp lists each command";
 }
 
+// Each option that takes a value of a type in capital letters has completions.
+void ExpectCompletionOfEachOption(const std::string& command, const std::string& help) {
+  const std::regex option("\n  (-[a-z-]+) ([A-Z=]+) ");
+  for (std::sregex_iterator match(help.begin(), help.end(), option), end; match != end; ++match) {
+    const std::string name = (*match)[1], type = (*match)[2];
+    const auto [out, err, status] = Cadrova("__complete|" + command + '|' + name + '|', kSample);
+    const bool is_file = type == "FILE", is_free = type == "KEY=VALUE";
+    EXPECT_EQ(out == ":files\n", is_file) << command << name;
+    EXPECT_EQ(out == ":words\n", is_free) << command << name;
+    EXPECT_EQ(std::pair(err, status), std::pair(std::string(), 0));
+  }
+}
+
 // The manual page and the completions mention exactly the options, commands, families and kinds of
 // the help texts.
 TEST(Help, AgreesWithTheManualAndTheCompletions) {
-  const std::string share = CADROVA_SOURCES "/tools/cadrova/share/";
   std::string names = KindNames() + ", " + FamilyNames(), helps = Cadrova("--help").out;
   const auto mentions = [](const std::string& text, const std::string& words) {
     const std::regex mention("(^|[^a-z-])(" + words + ")(?![a-z-])");
@@ -764,31 +777,73 @@ TEST(Help, AgreesWithTheManualAndTheCompletions) {
     }
     return Join(found);
   };
-  const std::string complete =
-      R"(. "$0"; COMP_WORDS=(cadrova "$@") COMP_CWORD=$#; _cadrova; echo "${COMPREPLY[@]}")";
   for (const CommandInfo& command : Commands()) {
-    names += std::string(", ") + command.name;
-    const ProgramResult help = Cadrova(command.name + std::string("|--help"));
-    Expect(Cadrova(std::string("help|") + command.name), help.out, "");
+    const std::string name = command.name;
+    names += ", " + name;
+    const ProgramResult help = Cadrova(name + "|--help");
+    Expect(Cadrova("help|" + name), help.out, "");
     EXPECT_EQ(help.out.find("\n\n\n"), std::string::npos);
     EXPECT_FALSE(help.out.ends_with("\n\n"));
     helps += help.out;
-    const Words completion = {"bash", "-c", complete, share + "completion.bash", command.name};
-    const ProgramResult completed = RunProgram(completion + Words{"-"});
-    EXPECT_EQ(mentions(completed.out, "--[a-z]+|-o"), mentions(help.out, "--[a-z]+|-o"));
+    const std::string options = "--?[a-z][a-z-]*";
+    const std::string listed = help.out.substr(help.out.find("\nOptions:"));
+    EXPECT_EQ(mentions(Cadrova("__complete|" + name + "|-").out, options),
+              mentions(std::regex_replace(listed, std::regex("  +[A-Z][a-z].*"), ""), options));
+    ExpectCompletionOfEachOption(name, help.out);
     std::smatch formats;
     if (std::regex_search(help.out, formats, std::regex("Output format: ([a-z, ]+) \\("))) {
-      Expect(RunProgram(completion + Words{"--format", ""}),
-             std::regex_replace(formats[1].str(), std::regex(","), "") + '\n', "");
+      Expect(Cadrova("__complete|" + name + "|--format|"),
+             std::regex_replace(formats[1].str(), std::regex(", "), "\n") + "\n:words\n", "");
     }
   }
   Expect(Cadrova("help"), Cadrova("--help").out, "");
   Expect(Cadrova("--version"), CADROVA_VERSION "\n", "");
   const std::string words = "--[a-z]+|" + std::regex_replace(names, std::regex(", "), "|");
-  for (const std::string file : {"cadrova.1", "completion.bash", "_cadrova"}) {
-    const std::string text =
-        std::regex_replace(FileContents(share + file), std::regex("\\\\-"), "-");
-    EXPECT_EQ(mentions(text, words), mentions(helps, words)) << file;
+  const std::string manual = std::regex_replace(
+      FileContents(CADROVA_SOURCES "/tools/cadrova/share/cadrova.1"), std::regex("\\\\-"), "-");
+  EXPECT_EQ(mentions(manual, words), mentions(helps, words));
+}
+
+TEST(Completion, OffersWhatMayFollow) { ExpectTranscript("complete.txt"); }
+
+// What bash inserts, one per line, after the options that it is told to complete with.
+TEST(Completion, IsQuotedInBash) {
+  const std::string data = TemporaryFile("quoted.toml", R"(
+DEFAULT = {'a b' = 1, "it's" = 1, 'x:y' = 1, 'x:z w' = 1, 'k=v' = 1, 'pa(r' = 1}
+['A B']
+[EU]
+)");
+  const struct {
+    std::string words;  // as bash splits them, with "|" between them; a blank is one of the line
+    std::string completed;
+  } cases[] = {
+      // clang-format off
+      {"li", "list"}, {"list| |a", "a\\ b"}, {"list| |a\\ ", "a\\ b"}, {"list| |\"a", "-o filenames\na b"},
+      {"list| |it", "it\\'s"}, {"list| |'it", "-o filenames\nit's"}, {"list| |x|:", "y\nz\\ w"}, {"list| |x|:|z", "z\\ w"},
+      {"list| |k|=", "v"}, {"list| |pa", "pa\\(r"}, {"list| |--format|=|j", "json"}, {"list| |--map|=", "A\\ B\nDEFAULT\nEU"},
+      {"matrix| |--regions| |EU,", "EU,A\\ B"}, {"list| |nope", ""}, {"check| |x", "-o default"}, {"check| |--fleet|=|x", "-o default"},
+      {"diff| |<(git| |show| |HEAD:a)| |b", "-o default"}, {"trace| |ls| |", "-o default"}, {"trace| |env-not-there", "-o default -o filenames"},
+      // clang-format on
+  };
+  const std::string script = "cadrova() { " + kShellCommand + R"( "$@"; }
+compopt() { echo "$@"; }
+. "$0"
+IFS='|'
+for word in cadrova ' ' $1; do
+  COMP_LINE+=$word
+  [[ $word == ' ' ]] || COMP_WORDS+=("$word")
+done
+[[ $COMP_LINE != *' ' || $word == *'\\ ' ]] || COMP_WORDS+=('')
+COMP_CWORD=$((${#COMP_WORDS[@]} - 1))
+_cadrova cadrova
+printf '%s\n' "${COMPREPLY[@]}")";
+  for (const auto& [words, completed] : cases) {
+    SCOPED_TRACE(words);
+    const Words bash = {"bash", "-c", script,
+                        CADROVA_SOURCES "/tools/cadrova/share/completion.bash", words};
+    const ProgramResult result = RunProgram(bash, {"CADROVA_HOST_DATA=" + data});
+    EXPECT_EQ(result.out.substr(0, result.out.find_last_not_of('\n') + 1), completed);
+    EXPECT_EQ(result.err, "");
   }
 }
 

@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "cadrova/host.h"
+#include "commands/complete.h"
 #include "commands/shared_options.h"
 #include "common/text.h"
 #include "failure.h"
@@ -676,6 +677,20 @@ TEST(Features, HaveThePlacesOfItemsInTheFile) {
                                       R"({"map":"A","file":"f","line":4,"column":1},)"
                                       R"({"map":"B","file":"f","line":2,"column":1},)"
                                       R"({"map":"C","file":"f","line":null,"column":null}]})");
+}
+
+TEST(Completion, OffersTheRegionOfADeviceAndThenTheCarrier) {
+  const std::string data = TemporaryFile("devices.toml", "[EU]\n[ES]\n[US]\n[COTA_X1]\n[SIM_N7]\n");
+  const std::pair<std::string, Names> cases[] = {{"", {"/", "ES/", "EU/", "US/"}},
+                                                 {"E", {"ES/", "EU/"}},
+                                                 {"EU/", {"EU/N7", "EU/X1"}},
+                                                 {"/X", {"/X1"}},
+                                                 {"X", {}}};
+  for (const auto& [typed, candidates] : cases) {
+    EXPECT_EQ(Candidates({"", typed, ValueType::kDevice, {{ValueType::kDataFile, data}}}),
+              candidates)
+        << typed;
+  }
 }
 
 TEST(Progress, IsShownOnATerminalWhenWorkHasTakenHalfASecond) {

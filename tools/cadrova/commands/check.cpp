@@ -24,14 +24,16 @@ class Check : public Command {
   void DeclareOptions(Options& options) override {
     options.AddRemaining("FILE", files_,
                          "Customization files, - for standard input (default: CADROVA_HOST_DATA)",
-                         Options::Need::kOptional);
+                         Options::Need::kOptional, ValueType::kDataFile);
     fleet_.DeclareOptions(options);
     options.AddRepeatable("--lookups", log_files_, "FILE",
-                          "Compare the lookups in a trace with the data; repeatable");
+                          "Compare the lookups in a trace with the data; repeatable",
+                          ValueType::kFile);
     options.AddFlag("--unused", reports_unused_,
                     "With --lookups: report keys that no lookup asks for");
     options.AddFlag("--strict", is_strict_, "Report warnings as errors");
-    options.AddRepeatable("--disable", disabled_, "FINDING", "Do not report it; repeatable");
+    options.AddRepeatable("--disable", disabled_, "FINDING", "Do not report it; repeatable",
+                          OptionalFindings());
     format_.DeclareOptions(options);
   }
 
@@ -99,15 +101,20 @@ class Check : public Command {
     return findings;
   }
 
+  static std::vector<std::string> OptionalFindings() {
+    std::vector<std::string> names;
+    for (const FindingType& type : FindingTypes().subspan(2)) names.emplace_back(type.name);
+    return names;
+  }
+
   static void RequireOptionalFinding(const std::string& name) {
     if (name == "syntax" || name == "value") {
       throw Failure("--disable: " + name +
                     " can't be disabled: a file with such an error can't be used");
     }
-    const auto types = FindingTypes();
-    if (std::ranges::find(types, name, &FindingType::name) != types.end()) return;
-    throw Failure("--disable: unknown finding '" + name +
-                  "'; use one of: " + Join(types.subspan(2), ", ", &FindingType::name));
+    const auto names = OptionalFindings();
+    if (std::ranges::find(names, name) != names.end()) return;
+    throw Failure("--disable: unknown finding '" + name + "'; use one of: " + Join(names));
   }
 
   bool IsSearchedFor(const std::string& finding) const {

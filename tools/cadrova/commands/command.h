@@ -32,6 +32,7 @@ struct CommandInfo {
 
 // All commands, in the order of the help text.
 std::span<const CommandInfo> Commands();
+std::vector<std::string> CommandNames();
 
 std::unique_ptr<Command> MakeCheck();
 std::unique_ptr<Command> MakeDevice();

@@ -3,8 +3,11 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <sstream>
+#include <string_view>
+#include <utility>
 
 #include "commands/command.h"
+#include "commands/complete.h"
 #include "common/text.h"
 #include "failure.h"
 #include "output/console.h"
@@ -31,8 +34,7 @@ const CommandInfo& FindCommand(const std::string& name) {
   for (const CommandInfo& command : Commands()) {
     if (command.name == name) return command;
   }
-  throw Failure("unknown command '" + name +
-                "'; use one of: " + Join(Commands(), ", ", &CommandInfo::name));
+  throw Failure("unknown command '" + name + "'; use one of: " + Join(CommandNames()));
 }
 
 // `text` with the lines that are too long for the terminal broken between words. The rest of a
@@ -53,6 +55,84 @@ std::string FitTerminal(const std::string& text) {
   return fitting;
 }
 
+// Reads an incomplete command line word by word, as the parser would. Throws a Failure if there is
+// no such command.
+class WordReader {
+ public:
+  WordReader(const CLI::App& app, const Completions& completions)
+      : app_(&app), completions_(completions) {}
+
+  void Read(const std::string& word) {
+    if (IsCommand(word)) {
+      app_ = app_->get_subcommand(FindCommand(word).name);
+      return;
+    }
+    const auto [option, start] = OwnerOf(word);
+    if (option == nullptr) return;
+    const auto* type = std::get_if<ValueType>(&completions_.at(option));
+    if (type == nullptr) return;
+    // A key is no family, so it does not restrict kinds.
+    given_.emplace(*type == ValueType::kKeyOrFamily ? ValueType::kFamily : *type,
+                   word.substr(start));
+  }
+
+  IncompleteWord ReadLast(const std::string& word) {
+    if (IsCommand(word)) return {"", word, CommandNames()};
+    if (IsOption(word) && word.find('=') == std::string::npos) return {"", word, OptionNames()};
+    const auto [option, start] = OwnerOf(word);
+    if (option == nullptr) return {"", word};
+    return {word.substr(0, start), word.substr(start), completions_.at(option), given_};
+  }
+
+ private:
+  bool IsOption(const std::string& word) const {
+    return option_ == nullptr && !are_options_over_ && word.starts_with('-');
+  }
+
+  bool IsCommand(const std::string& word) const {
+    return app_->get_parent() == nullptr && option_ == nullptr && !IsOption(word);
+  }
+
+  // The option or argument that the word is the value of, from a position on, or NULL.
+  std::pair<const CLI::Option*, std::size_t> OwnerOf(const std::string& word) {
+    if (option_ != nullptr) return {std::exchange(option_, nullptr), 0};
+    if (!IsOption(word) || word == "-") return {NextArgument(), 0};
+    are_options_over_ = word == "--";
+    const std::size_t equals = word.find('=');
+    const CLI::Option* const option = app_->get_option_no_throw(word.substr(0, equals));
+    if (option == nullptr || option->get_items_expected_max() == 0) return {nullptr, 0};
+    if (equals != std::string::npos) return {option, equals + 1};
+    option_ = option;
+    return {nullptr, 0};
+  }
+
+  // The last one may have several values.
+  const CLI::Option* NextArgument() {
+    const auto arguments =
+        app_->get_options([](const CLI::Option* option) { return option->get_positional(); });
+    if (next_argument_ == arguments.size()) return nullptr;
+    const CLI::Option* const argument = arguments[next_argument_];
+    if (argument->get_items_expected_max() == 1) ++next_argument_;
+    return argument;
+  }
+
+  std::vector<std::string> OptionNames() const {
+    std::vector<std::string> names;
+    for (const CLI::Option* const option : app_->get_options()) {
+      for (const std::string& name : option->get_snames()) names.push_back('-' + name);
+      for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
+    }
+    return names;
+  }
+
+  const CLI::App* app_;  // cadrova itself, then the command
+  const Completions& completions_;
+  const CLI::Option* option_ = nullptr;  // whose value is the next word
+  std::size_t next_argument_ = 0;
+  bool are_options_over_ = false;
+  std::map<ValueType, std::string> given_;
+};
+
 // The argument parser with all commands. Runs the command that the arguments name.
 class Parser {
  public:
@@ -67,7 +147,7 @@ class Parser {
       CLI::App& app = *app_.add_subcommand(info.name, info.summary)->group("Commands");
       app.footer(std::string("Example: ") + info.example);
       commands_.push_back(info.make());
-      Options options(app);
+      Options options(app, completions_);
       commands_.back()->DeclareOptions(options);
     }
   }
@@ -83,6 +163,12 @@ class Parser {
       if (app_.got_subcommand(Commands()[i].name)) return commands_[i]->Run();
     }
     throw Failure("a command is required; see cadrova --help");
+  }
+
+  IncompleteWord ParseIncomplete(const std::vector<std::string>& words) const {
+    WordReader reader(app_, completions_);
+    for (std::size_t i = 0; i + 1 < words.size(); ++i) reader.Read(words[i]);
+    return reader.ReadLast(words.empty() ? "" : words.back());
   }
 
   std::string Help(const std::string& command) const {
@@ -138,24 +224,30 @@ class Parser {
 
   CLI::App app_;
   std::vector<std::unique_ptr<Command>> commands_;
+  Completions completions_;
 };
 
 }  // namespace
 
 void Options::AddRequired(const std::string& name, std::string& value,
-                          const std::string& description) {
-  Declare(app_, name, "", description, [&](const CLI::results_t& values) {
+                          const std::string& description, const Completion& completion) {
+  CLI::Option& option = Declare(app_, name, "", description, [&](const CLI::results_t& values) {
     value = values.front();
     return true;
-  }).required();
+  });
+  option.required();
+  completions_[&option] = completion;
 }
 
 void Options::Add(const std::string& name, std::optional<std::string>& value,
-                  const std::string& type, const std::string& description) {
-  Declare(app_, name, type, description, [&](const CLI::results_t& values) {
-    value = values.back();
-    return true;
-  });
+                  const std::string& type, const std::string& description,
+                  const Completion& completion) {
+  const CLI::Option& option =
+      Declare(app_, name, type, description, [&](const CLI::results_t& values) {
+        value = values.back();
+        return true;
+      });
+  completions_[&option] = completion;
 }
 
 void Options::AddFlag(const std::string& name, bool& value, const std::string& description) {
@@ -163,32 +255,42 @@ void Options::AddFlag(const std::string& name, bool& value, const std::string& d
 }
 
 void Options::AddRepeatable(const std::string& name, std::vector<std::string>& values,
-                            const std::string& type, const std::string& description) {
-  Declare(app_, name, type, description,
-          [&](const CLI::results_t& given) {
-            values = given;
-            return true;
-          })
-      .expected(1)
-      ->allow_extra_args(false)
-      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+                            const std::string& type, const std::string& description,
+                            const Completion& completion) {
+  CLI::Option& option = Declare(app_, name, type, description, [&](const CLI::results_t& given) {
+    values = given;
+    return true;
+  });
+  option.expected(1)->allow_extra_args(false)->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+  completions_[&option] = completion;
 }
 
 void Options::AddRemaining(const std::string& name, std::vector<std::string>& values,
-                           const std::string& description, Need need) {
-  app_.add_option(
-          name,
-          [&](const CLI::results_t& given) {
-            values = given;
-            return true;
-          },
-          description)
-      ->required(need == Need::kAtLeastOne)
+                           const std::string& description, Need need,
+                           const Completion& completion) {
+  CLI::Option& option = *app_.add_option(
+      name,
+      [&](const CLI::results_t& given) {
+        values = given;
+        return true;
+      },
+      description);
+  option.required(need == Need::kAtLeastOne)
       ->type_name("")
       ->expected(CLI::detail::expected_max_vector_size);
+  completions_[&option] = completion;
 }
 
-int RunCommandLine(int argc, const char* const* argv) { return Parser().Run(argc, argv); }
+int RunCommandLine(int argc, const char* const* argv) {
+  if (argc > 1 && argv[1] == std::string_view("__complete")) {
+    return Complete({argv + 2, argv + argc});
+  }
+  return Parser().Run(argc, argv);
+}
+
+IncompleteWord ParseIncomplete(const std::vector<std::string>& words) {
+  return Parser().ParseIncomplete(words);
+}
 
 std::string HelpText(const std::string& command) { return Parser().Help(command); }
 

@@ -30,4 +30,10 @@ constexpr CommandInfo kCommands[] = {
 
 std::span<const CommandInfo> Commands() { return kCommands; }
 
+std::vector<std::string> CommandNames() {
+  std::vector<std::string> names;
+  for (const CommandInfo& command : kCommands) names.emplace_back(command.name);
+  return names;
+}
+
 }  // namespace cadrova::tools

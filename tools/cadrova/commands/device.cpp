@@ -23,10 +23,10 @@ class DeviceCommand : public Command {
   void DeclareOptions(Options& options) override {
     options.AddRemaining("REGION/CARRIER", words_,
                          "One or two devices, and perhaps a pattern for keys, as for list",
-                         Options::Need::kOptional);
+                         Options::Need::kOptional, ValueType::kDevice);
     device_.DeclareOptions(options);
-    options.Add("--family", family_, "FAMILY",
-                "Only this family (default: carrier-region and sim)");
+    options.Add("--family", family_, "FAMILY", "Only this family (default: carrier-region and sim)",
+                ValueType::kFamily);
     format_.DeclareOptions(options);
   }
 

@@ -15,9 +15,10 @@ namespace {
 class Diff : public Command {
  public:
   void DeclareOptions(Options& options) override {
-    options.AddRequired("OLD", old_, "Customization file before the change");
-    options.AddRequired("NEW", new_, "Customization file after the change");
-    options.Add("--family", family_, "FAMILY", "Family to compare (default: all)");
+    options.AddRequired("OLD", old_, "Customization file before the change", ValueType::kDataFile);
+    options.AddRequired("NEW", new_, "Customization file after the change", ValueType::kDataFile);
+    options.Add("--family", family_, "FAMILY", "Family to compare (default: all)",
+                ValueType::kFamily);
     fleet_options_.DeclareOptions(options);
     format_.DeclareOptions(options);
     options.AddFlag("--exit-zero", exit_zero_, "Exit with status 0 even if devices change");

@@ -93,9 +93,16 @@ std::vector<Kind> KindsOf(const std::string& key, const host::Contents* contents
 class ExplainCommand : public Command {
  public:
   void DeclareOptions(Options& options) override {
-    options.AddRemaining("KEY", words_, "Key of the feature; or FAMILY KIND KEY [DEFAULT]");
-    options.Add("--family", family_, "FAMILY", "Only this family (default: all)");
-    options.Add("--kind", kind_, "KIND", "Only this kind (default: those in the data)");
+    options.AddRequired("KEY|FAMILY", key_or_family_,
+                        "Key of the feature, or one of: " + FamilyNames(), ValueType::kKeyOrFamily);
+    options.Add("KIND", given_kind_, "", "With FAMILY: " + KindNames(), ValueType::kKind);
+    options.Add("KEY", key_, "", "With FAMILY: key of the feature", ValueType::kKey);
+    options.Add("DEFAULT", default_, "",
+                "With FAMILY: result for a missing item (default: false, 0, 0 or \"\")");
+    options.Add("--family", family_, "FAMILY", "Only this family (default: all)",
+                ValueType::kFamily);
+    options.Add("--kind", kind_, "KIND", "Only this kind (default: those in the data)",
+                ValueType::kKind);
     device_.DeclareOptions(options);
     sim_.DeclareOptions(options);
     format_.DeclareOptions(options);
@@ -125,28 +132,22 @@ class ExplainCommand : public Command {
       PrintText(by_kind, data);
     }
     if (!by_kind.empty()) return kSuccess;
-    PrintError("cadrova: no map contains " + DisplayName(words_[0]) + DidYouMean(data));
+    PrintError("cadrova: no map contains " + DisplayName(key_or_family_) + DidYouMean(data));
     return kNegative;
   }
 
  private:
-  bool is_key_alone() const { return words_.size() == 1; }
+  bool is_key_alone() const { return !given_kind_; }
 
   void CheckArguments() const {
-    if (words_.size() == 2 || words_.size() > 4) {
-      throw Failure("give KEY; or FAMILY, KIND and KEY, and perhaps DEFAULT");
-    }
+    if (given_kind_ && !key_) throw Failure("give KEY; or FAMILY, KIND, KEY and perhaps DEFAULT");
     if (is_key_alone() && steps_) throw Failure("--steps needs FAMILY, KIND and KEY");
     if (!is_key_alone() && (family_ || kind_)) {
       throw Failure("--family and --kind are only for KEY alone; FAMILY and KIND are given");
     }
   }
 
-  Query GivenQuery() const {
-    std::optional<std::string> default_value;
-    if (words_.size() == 4) default_value = words_[3];
-    return MakeQuery(words_[0], words_[1], words_[2], default_value);
-  }
+  Query GivenQuery() const { return MakeQuery(key_or_family_, *given_kind_, *key_, default_); }
 
   int PrintSteps() const {
     const Recording recording = Record(GivenQuery());
@@ -157,7 +158,7 @@ class ExplainCommand : public Command {
 
   std::vector<std::vector<Query>> QueriesByKind(const host::Contents* contents) const {
     if (!is_key_alone()) return {{GivenQuery()}};
-    const std::string& key = words_[0];
+    const std::string& key = key_or_family_;
     const auto kinds = kind_ ? std::vector{FindKind(*kind_)} : KindsOf(key, contents);
     if (family_ && kinds.size() == 1) return {{MakeQuery(*family_, ToString(kinds[0]), key)}};
     std::vector<std::vector<Query>> by_kind;
@@ -200,12 +201,12 @@ class ExplainCommand : public Command {
 
   std::string DidYouMean(const host::Contents* contents) const {
     if (contents == nullptr) return " on this device";
-    const auto similar = SuggestByPart(words_[0], Keys(*contents));
+    const auto similar = SuggestByPart(key_or_family_, Keys(*contents));
     return similar ? "; did you mean " + DisplayName(*similar) + '?' : "";
   }
 
-  std::vector<std::string> words_;
-  std::optional<std::string> family_, kind_;
+  std::string key_or_family_;
+  std::optional<std::string> given_kind_, key_, default_, family_, kind_;
   DeviceOptions device_;
   SimOption sim_;
   FormatOption format_{

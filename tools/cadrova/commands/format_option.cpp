@@ -13,12 +13,14 @@ FormatOption::FormatOption(const std::vector<Format>& formats) {
 
 void FormatOption::DeclareOptions(Options& options) {
   options.Add("--format", name_, "NAME",
-              "Output format: " + Names() + " (default: " + choices_[0].format.name + ')');
+              "Output format: " + Join(Names()) + " (default: " + choices_[0].format.name + ')',
+              Names());
   for (auto& [format, is_given] : choices_) {
     if (format.description.empty()) continue;
     options.AddFlag("--" + format.name, is_given, format.description);
   }
-  options.Add("--color", color_, "WHEN", "Color text: auto, always, never (default: auto)");
+  options.Add("--color", color_, "WHEN", "Color text: auto, always, never (default: auto)",
+              std::vector<std::string>{"auto", "always", "never"});
 }
 
 std::string FormatOption::Choose(const std::vector<std::pair<std::string, bool>>& others) const {
@@ -35,11 +37,14 @@ std::string FormatOption::Choose(const std::vector<std::pair<std::string, bool>>
   given.insert(given.end(), others.begin(), others.end());
   RefuseCombination(given);
   if (is_known) return chosen;
-  throw Failure("--format: unknown format '" + name_.value_or("") + "'; use one of: " + Names());
+  throw Failure("--format: unknown format '" + name_.value_or("") +
+                "'; use one of: " + Join(Names()));
 }
 
-std::string FormatOption::Names() const {
-  return Join(choices_, ", ", [](const Choice& choice) { return choice.format.name; });
+std::vector<std::string> FormatOption::Names() const {
+  std::vector<std::string> names;
+  for (const auto& [format, is_given] : choices_) names.push_back(format.name);
+  return names;
 }
 
 }  // namespace cadrova::tools

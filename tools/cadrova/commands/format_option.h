@@ -33,7 +33,7 @@ class FormatOption {
     Format format;
     bool is_given;  // by the short option
   };
-  std::string Names() const;
+  std::vector<std::string> Names() const;
 
   std::optional<std::string> name_, color_;
   std::vector<Choice> choices_;

@@ -18,9 +18,9 @@ namespace {
 class Get : public Command {
  public:
   void DeclareOptions(Options& options) override {
-    options.AddRequired("FAMILY", family_, FamilyNames());
-    options.AddRequired("KIND", kind_, KindNames());
-    options.AddRequired("KEY", key_, "Key of the feature");
+    options.AddRequired("FAMILY", family_, FamilyNames(), ValueType::kFamily);
+    options.AddRequired("KIND", kind_, KindNames(), ValueType::kKind);
+    options.AddRequired("KEY", key_, "Key of the feature", ValueType::kKey);
     options.Add("DEFAULT", default_, "",
                 "Result for a missing item (default: false, 0, 0 or \"\")");
     device_.DeclareOptions(options);

@@ -8,7 +8,7 @@ namespace {
 class Help : public Command {
  public:
   void DeclareOptions(Options& options) override {
-    options.Add("COMMAND", command_, "", Join(Commands(), ", ", &CommandInfo::name));
+    options.Add("COMMAND", command_, "", Join(CommandNames()), CommandNames());
   }
 
   int Run() override {

@@ -19,9 +19,10 @@ class List : public Command {
  public:
   void DeclareOptions(Options& options) override {
     options.Add("PATTERN", pattern_, "",
-                "Part of a key in any case, or a shell pattern (default: all keys)");
+                "Part of a key in any case, or a shell pattern (default: all keys)",
+                ValueType::kKey);
     data_.DeclareOptions(options);
-    options.Add("--map", map_, "NAME", "List only items of this map");
+    options.Add("--map", map_, "NAME", "List only items of this map", ValueType::kMap);
     format_.DeclareOptions(options);
   }
 

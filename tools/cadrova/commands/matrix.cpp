@@ -26,15 +26,16 @@ namespace {
 class Matrix : public Command {
  public:
   void DeclareOptions(Options& options) override {
-    options.Add("FAMILY", family_, "", FamilyNames());
-    options.Add("KIND", kind_, "", KindNames());
-    options.Add("KEY", key_, "", "Key of the feature");
+    options.Add("FAMILY", family_, "", FamilyNames(), ValueType::kFamily);
+    options.Add("KIND", kind_, "", KindNames(), ValueType::kKind);
+    options.Add("KEY", key_, "", "Key of the feature", ValueType::kKey);
     data_.DeclareOptions(options);
     fleet_.DeclareOptions(options);
     format_.DeclareOptions(options);
     options.Add(
         "--html", html_, "FILE",
-        "Write an HTML report (\"-\": to standard output), of all features if none is named");
+        "Write an HTML report (\"-\": to standard output), of all features if none is named",
+        ValueType::kFile);
   }
 
   int Run() override {

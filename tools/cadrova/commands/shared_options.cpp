@@ -62,7 +62,8 @@ void WarnOnce(const std::string& line) {
 
 void DataOption::DeclareOptions(Options& options) {
   options.Add("--data", file_, "FILE",
-              "Customization file, - for standard input (default: CADROVA_HOST_DATA)");
+              "Customization file, - for standard input (default: CADROVA_HOST_DATA)",
+              ValueType::kDataFile);
 }
 
 std::vector<std::string> DataOption::Apply() const {
@@ -76,7 +77,8 @@ std::vector<std::string> DataOption::Apply() const {
 }
 
 void FleetFileOption::DeclareOptions(Options& options) {
-  options.Add("--fleet", file_, "FILE", "Fleet file (default: cadrova.toml beside the data)");
+  options.Add("--fleet", file_, "FILE", "Fleet file (default: cadrova.toml beside the data)",
+              ValueType::kFile);
 }
 
 const FleetFile* FleetFileOption::Read(const std::vector<std::string>& data_files) {
@@ -91,8 +93,10 @@ const FleetFile* FleetFileOption::Read(const std::vector<std::string>& data_file
 void DeviceOptions::DeclareOptions(Options& options) {
   data_.DeclareOptions(options);
   fleet_.DeclareOptions(options);
-  options.Add("--region", region_, "CODE", "Region code (default: from the property store)");
-  options.Add("--carrier", carrier_, "CODE", "Carrier code (default: from the property store)");
+  options.Add("--region", region_, "CODE", "Region code (default: from the property store)",
+              ValueType::kRegion);
+  options.Add("--carrier", carrier_, "CODE", "Carrier code (default: from the property store)",
+              ValueType::kCarrier);
 }
 
 void DeviceOptions::Apply() {
@@ -160,9 +164,11 @@ void SimOption::Apply() const {
 void FleetOptions::DeclareOptions(Options& options) {
   file_.DeclareOptions(options);
   options.Add("--regions", regions_, "CODES",
-              "Regions, comma-separated (default: all in the fleet file or the data)");
+              "Regions, comma-separated (default: all in the fleet file or the data)",
+              ValueType::kRegions);
   options.Add("--carriers", carriers_, "CODES",
-              "Carriers, comma-separated (default: all in the fleet file or the data)");
+              "Carriers, comma-separated (default: all in the fleet file or the data)",
+              ValueType::kCarriers);
 }
 
 FleetChoice FleetOptions::Choose(const std::vector<std::string>& data_files) {

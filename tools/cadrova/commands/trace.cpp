@@ -92,8 +92,9 @@ class Trace : public Command {
   void DeclareOptions(Options& options) override {
     options.AddFlag("--steps", steps_, "Also log the calls of each lookup");
     options.AddFlag("--summary", summary_, "Write a table at exit instead");
-    options.Add("-o", file_, "FILE", "Write to FILE (default: standard error)");
-    options.AddRemaining("PROGRAM", program_, "Program and its arguments, after \"--\"");
+    options.Add("-o", file_, "FILE", "Write to FILE (default: standard error)", ValueType::kFile);
+    options.AddRemaining("PROGRAM", program_, "Program and its arguments, after \"--\"",
+                         Options::Need::kAtLeastOne, ValueType::kProgram);
   }
 
   // This process becomes the program.

@@ -30,7 +30,7 @@ PassedOverMaps FindPassedOver(const FleetChains& chains, const Results& results,
 
 std::vector<std::string> MapsOfOtherKinds(const std::vector<Feature>& features,
                                           std::size_t feature) {
-  const auto& [key, kind, own_maps] = features[feature];
+  const auto& [key, kind, own_maps, own_places] = features[feature];
   std::vector<std::string> maps;
   for (const Feature& other : std::ranges::equal_range(features, key, {}, &Feature::key)) {
     std::ranges::set_difference(other.maps, own_maps, std::back_inserter(maps));

@@ -36,8 +36,7 @@ std::string PlaceText(const Explanation& explanation, const ChainEntry& entry) {
   return explanation.file ? ShortLocationText(*explanation.file, entry.place) : "";
 }
 
-// The values in the tables. Those that are too long are shown as numbers, and listed below; the
-// value of the first line is not shown again.
+// The values in the tables. That of the first line is not shown again.
 class ValueTexts {
  public:
   explicit ValueTexts(const Explanation& explanation)
@@ -45,16 +44,19 @@ class ValueTexts {
 
   std::string ToText(const Value& value) {
     const std::string text = ToJsonText(value);
-    constexpr std::size_t kWidest = 30;
-    if (DisplayWidth(text) <= kWidest) return text;
-    return text == in_first_line_ ? "(above)" : long_values_.NumberOf(text);
+    const bool is_repeated = text == in_first_line_ && DisplayWidth(text) > kWidest;
+    return is_repeated ? "(above)" : long_values_.ToText(text);
   }
 
-  std::string List() const { return long_values_.List(); }
+  std::string List() const {
+    const auto rows = long_values_.Rows();
+    return rows.empty() ? "" : '\n' + Table(rows, TerminalWidth());
+  }
 
  private:
+  static constexpr std::size_t kWidest = 30;
   std::string in_first_line_;
-  LongValues long_values_;
+  LongValues long_values_{kWidest};
 };
 
 std::string Colors(const std::string& one, const std::string& other) {

@@ -2,9 +2,6 @@
 
 #include <algorithm>
 
-#include "output/console.h"
-#include "output/table.h"
-
 namespace cadrova::tools {
 namespace {
 
@@ -12,16 +9,17 @@ std::string Number(std::size_t position) { return '(' + std::to_string(position 
 
 }  // namespace
 
-std::string LongValues::NumberOf(const std::string& value) {
+std::string LongValues::ToText(const std::string& value) {
+  if (DisplayWidth(value) <= widest_) return value;
   auto found = std::ranges::find(values_, value);
   if (found == values_.end()) found = values_.insert(found, value);
   return Number(static_cast<std::size_t>(found - values_.begin()));
 }
 
-std::string LongValues::List() const {
+std::vector<Row> LongValues::Rows() const {
   std::vector<Row> rows;
-  for (std::size_t i = 0; i < values_.size(); ++i) rows.push_back({Number(i), values_[i]});
-  return rows.empty() ? "" : '\n' + Table(rows, TerminalWidth());
+  for (const std::string& value : values_) rows.push_back({Number(rows.size()), value});
+  return rows;
 }
 
 }  // namespace cadrova::tools

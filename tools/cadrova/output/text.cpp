@@ -5,7 +5,9 @@
 #include "common/json_text.h"
 #include "common/text.h"
 #include "file.h"
+#include "lookup/data_source.h"
 #include "output/console.h"
+#include "output/long_values.h"
 #include "output/map_types.h"
 #include "output/table.h"
 
@@ -39,16 +41,15 @@ std::string ToLines(const Value& value) {
 }
 
 std::string ToText(const std::vector<Feature>& features, const std::string& file) {
-  const std::string shown_file = host::Printable(file);
   std::vector<Row> rows;
   rows.reserve(features.size());
   for (const auto& [key, kind, maps, places] : features) {
-    int first_line = 0;
-    for (const auto& [line, column] : places) {
-      if (line != 0 && (first_line == 0 || line < first_line)) first_line = line;
+    host::Place first;
+    for (const host::Place& place : places) {
+      const bool is_first = first.line == 0 || place.line < first.line;
+      if (place.line != 0 && is_first) first = place;
     }
-    rows.push_back({DisplayName(key), ToString(kind),
-                    first_line == 0 ? "" : shown_file + ':' + std::to_string(first_line),
+    rows.push_back({DisplayName(key), ToString(kind), ShortLocationText(file, first),
                     Join(maps, ", ", DisplayName)});
   }
   return Table(rows, TerminalWidth());
@@ -101,46 +102,27 @@ class MatrixRows {
     return rows;
   }
 
-  std::vector<Row> OfLongValues() const {
-    std::vector<Row> rows;
-    for (const std::string& value : long_values_) rows.push_back({NumberOf(rows.size()), value});
-    return rows;
-  }
+  std::vector<Row> OfLongValues() const { return long_values_.Rows(); }
 
  private:
   static constexpr char kMark[] = "!";
 
-  static std::string NumberOf(std::size_t index) { return '(' + std::to_string(index + 1) + ')'; }
-
   TableCell ToTableCell(const Cell& cell) {
     if (cell.result == nullptr) return "";
     const auto& [value, map] = *cell.result;
-    std::string text = map ? Shortened(ToJsonText(value)) + ' ' + DisplayName(*map) : "no map";
+    std::string text =
+        map ? long_values_.ToText(ToJsonText(value)) + ' ' + DisplayName(*map) : "no map";
     if (cell.passed_over != nullptr) {
       text.append(" ").append(kMark);
-      PositionIn(passed_over_, cell.passed_over);
+      const auto known = std::ranges::find(passed_over_, cell.passed_over);
+      if (known == passed_over_.end()) passed_over_.push_back(cell.passed_over);
     }
     return {text, MapColor(*family_, cell.position)};
   }
 
-  std::string Shortened(const std::string& value) {
-    constexpr std::size_t kMostColumns = 16;
-    if (DisplayWidth(value) <= kMostColumns) return value;
-    return NumberOf(PositionIn(long_values_, value));
-  }
-
-  // Adds `element` if it is not in `list`.
-  template <class Element>
-  static std::size_t PositionIn(std::vector<Element>& list, const Element& element) {
-    const auto found = std::ranges::find(list, element);
-    const auto position = static_cast<std::size_t>(found - list.begin());
-    if (found == list.end()) list.push_back(element);
-    return position;
-  }
-
   const Family* family_;
   const Fleet* fleet_;
-  std::vector<std::string> long_values_;
+  LongValues long_values_{16};
   std::vector<const PassedOver*> passed_over_;
 };
 

@@ -1,79 +1,36 @@
-# bash completion for cadrova
+# bash completion for cadrova. The command itself says what can follow.
 
 _cadrova() {
-  local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-  local command=${COMP_WORDS[1]} words= position=0 i
-  local families="default region carrier carrier-region sim"
-  COMPREPLY=()
-  case $previous in
-    --data | --fleet | --lookups | --html | -o)
-      mapfile -t COMPREPLY < <(compgen -f -- "$word")
-      return
-      ;;
-    --disable)
-      words="kind-conflict sim-float unknown-map similar-map misspelt-key not-in-default"
-      words+=" redundant-value empty-file unused-allow unheld-key wrong-kind unused-key"
-      mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")
-      return
-      ;;
-    --region | --carrier | --regions | --carriers | --sim) return ;;
-    --format)
-      words="text json"
-      case $command in
-        matrix) words+=" csv" ;;
-        diff) words+=" markdown" ;;
-        check) words+=" sarif" ;;
-      esac
-      mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")
-      return
-      ;;
-    --color) mapfile -t COMPREPLY < <(compgen -W "auto always never" -- "$word"); return ;;
-    --family) mapfile -t COMPREPLY < <(compgen -W "$families" -- "$word"); return ;;
-  esac
-  # The position of this word among the arguments of the command, without options and their values.
-  for ((i = 2; i < COMP_CWORD; ++i)); do
-    case ${COMP_WORDS[i]} in
-      --) [[ $command != trace ]] || break ;;
-      --data | --fleet | --html | --region | --carrier | --regions | --carriers | --family | --sim | \
-        --color | --format | --disable | --lookups | -o) ((++i)) ;;
-      -*) ;;
-      *) ((++position)) ;;
-    esac
+  local current=${COMP_WORDS[COMP_CWORD]} line=$COMP_LINE words=() word last
+  # bash also splits words at characters such as "=" and ":", and in <(COMMAND). Join their parts.
+  for word in "${COMP_WORDS[@]::COMP_CWORD+1}"; do
+    if ((${#words[@]})) && [[ $line != [[:blank:]]* || ${words[-1]} == [\<\>]\(*[!\)] ]]; then
+      words[-1]+=$word
+    else
+      words+=("$word")
+    fi
+    line=${line#*"$word"}
   done
-  case $command in
-    explain | get | matrix)
-      case $position in
-        0) words=$families ;;
-        1) words="bool int float string string-array int-array map-array" ;;
-      esac
-      [[ $word != -* ]] || words="--data --fleet --region --carrier --sim --format --json --color --help"
-      [[ $word != -* || $command != explain ]] || words+=" --steps"
-      [[ $word != -* || $command != matrix ]] ||
-        words="--data --fleet --regions --carriers --format --json --csv --html --color --help"
-      ;;
-    list) words="--data --format --json --color --help" ;;
-    diff | check)
-      if [[ $word != -* ]]; then
-        mapfile -t COMPREPLY < <(compgen -f -- "$word")
-        return
+  [[ $current == *[!=:]* ]] || current=
+  mapfile -t COMPREPLY < <("${1/#~\//$HOME/}" __complete "${words[@]:1}" 2>/dev/null)
+  ((${#COMPREPLY[@]})) || return
+  last=${COMPREPLY[-1]}
+  unset 'COMPREPLY[-1]'
+  case $last in
+    :files) compopt -o default ;;
+    :programs) compopt -o default -o filenames; mapfile -t COMPREPLY < <(compgen -c -- "$current") ;;
+    :words)
+      ((${#COMPREPLY[@]})) || return
+      [[ ${COMPREPLY[0]} != *[/.] ]] || compopt -o nospace
+      # bash replaces only what follows the last "=" or ":".
+      COMPREPLY=("${COMPREPLY[@]#"${words[-1]%"$current"}"}")
+      if [[ $current == [\"\']* ]]; then
+        compopt -o filenames
+      else
+        mapfile -t COMPREPLY < <(printf '%q\n' "${COMPREPLY[@]}")
+        COMPREPLY=("${COMPREPLY[@]//\\,/,}")
       fi
-      words="--fleet --regions --carriers --format --json --color --help"
-      [[ $command == check ]] && words+=" --strict --disable --lookups --unused" || words+=" --family --exit-zero"
       ;;
-    trace)
-      if [[ ${COMP_WORDS[i]} == -- && i -lt COMP_CWORD ]]; then
-        if ((i + 1 == COMP_CWORD)); then
-          mapfile -t COMPREPLY < <(compgen -c -- "$word")
-        else
-          mapfile -t COMPREPLY < <(compgen -f -- "$word")
-        fi
-        return
-      fi
-      words="--steps --summary -o --help --"
-      ;;
-    help) words="explain get list matrix diff check trace help --help" ;;
   esac
-  ((COMP_CWORD > 1)) || words="explain get list matrix diff check trace help --help --version"
-  mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")
 }
-complete -o filenames -F _cadrova cadrova
+complete -F _cadrova cadrova
