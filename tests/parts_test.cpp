@@ -65,12 +65,27 @@ Names Codes(const std::string& prefix, int first, int last) {
   return codes;
 }
 
+// Codes in their order, each before all that follow.
+TEST(Codes, AreInNaturalOrder) {
+  const Names codes = {// clang-format off
+      "", "\x1F", "0", "00", "01", "1", "2", "10", "18446744073709551616", "18446744073709551617",
+      "A", "A-1", "A0", "A00", "A0B", "A01", "A1", "A1B1", "A01B2", "A1B02", "A1B2", "A1B10", "A2",
+      "R2", "R10", "R10A", "R_1", "a", "\u00E9"};
+  // clang-format on
+  for (std::size_t i = 0; i < codes.size(); ++i) {
+    for (std::size_t j = 0; j < codes.size(); ++j) {
+      EXPECT_EQ(NaturalOrder()(codes[i], codes[j]), i < j) << codes[i] << ' ' << codes[j];
+    }
+  }
+}
+
 TEST(Fleet, IsDerivedFromTheNamesOfMaps) {
   const struct {
     Names maps, regions, carriers;
   } cases[] = {
       {{"DEFAULT", "SIM_DEFAULT"}, {""}, {""}},
       {{"US", "EU", "SIM_X1", "COTA_N7"}, {"", "EU", "US"}, {"", "N7", "X1"}},
+      {{"R10", "R2", "SIM_C10", "COTA_C9"}, {"", "R2", "R10"}, {"", "C9", "C10"}},
       {{"EU", "COTA_A_B_EU"}, {"", "EU"}, {"", "A_B"}},     // the region is known
       {{"COTA_X1_JP", "COTA_X1"}, {"", "JP"}, {"", "X1"}},  // the carrier is known
       {{"COTA_A_B"}, {""}, {"", "A_B"}},                    // region and carrier are unknown
