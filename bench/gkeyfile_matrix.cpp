@@ -10,14 +10,14 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <set>
 #include <string>
+#include <vector>
 
 namespace {
 
-std::set<std::string> Codes(const std::string& front, int count) {
-  std::set<std::string> codes = {""};
-  for (int i = 1; i <= count; ++i) codes.insert(front + std::to_string(i));
+std::vector<std::string> Codes(const std::string& front, int count) {
+  std::vector<std::string> codes = {""};
+  for (int i = 1; i <= count; ++i) codes.push_back(front + std::to_string(i));
   return codes;
 }
 

@@ -503,35 +503,20 @@ TEST(UnsafeCharacter, IsEscaped) {
   const std::string data = "|--data|" + file, use = '|' + name + data;
   const std::string device = "|--region|" + name + "|--carrier|" + lone;
   const std::string sim = "|sim|string|" + lone + "|--sim|" + lone + '=' + lone + device + data;
-  for (const std::string& line : {"list" + data,
-                                  "list|--json" + data,
-                                  "list|" + lone + data,
-                                  "list|--data|" + bad,
-                                  "check|" + file,
-                                  "check|--json|" + file,
-                                  "check|" + bad,
-                                  "check|--json|" + bad,
-                                  "check|--format|sarif|--regions||--carriers|X1|" + file,
-                                  "diff|" + old + '|' + file,
-                                  "diff|--json|" + old + '|' + file,
-                                  "diff|--format|markdown|" + old + '|' + file,
-                                  "matrix|region|string|--regions|," + name + use,
-                                  "matrix|region|string|--carriers|" + lone + use,
-                                  "matrix|region|string|--json" + use,
-                                  "matrix|--html|-" + data,
-                                  "matrix|--html|" + lone + "/x" + data,
-                                  "explain|region|string|--json" + use,
-                                  "explain|sim|string" + use + device,
-                                  "explain" + sim,
-                                  "explain|--steps" + sim,
-                                  "get|region|int|k|" + lone,
-                                  "get|default|int|" + lone + data,
-                                  "help|" + lone,
-                                  lone,
-                                  "trace|-o|/nowhere/" + lone + "|true",
-                                  "trace|" + lone,
-                                  "trace|--summary|--|cadrova|explain" + sim,
-                                  "trace|--steps|--|cadrova|explain" + sim}) {
+  const Words lines = {// clang-format off
+      "list" + data, "list|--json" + data, "list|" + lone + data, "list|--data|" + bad,
+      "check|" + file, "check|--json|" + file, "check|" + bad, "check|--json|" + bad,
+      "check|--format|sarif|--regions||--carriers|X1|" + file,
+      "diff|" + old + '|' + file, "diff|--json|" + old + '|' + file, "diff|--format|markdown|" + old + '|' + file,
+      "matrix|region|string|--regions|," + name + use, "matrix|region|string|--carriers|" + lone + use,
+      "matrix|region|string|--json" + use, "matrix|--html|-" + data, "matrix|--html|" + lone + "/x" + data,
+      "explain|region|string|--json" + use, "explain|sim|string" + use + device,
+      "explain" + sim, "explain|--steps" + sim,
+      "get|region|int|k|" + lone, "get|default|int|" + lone + data, "help|" + lone, lone,
+      "trace|-o|/nowhere/" + lone + "|true", "trace|" + lone,
+      "trace|--summary|--|cadrova|explain" + sim, "trace|--steps|--|cadrova|explain" + sim};
+  // clang-format on
+  for (const std::string& line : lines) {
     const ProgramResult result = Cadrova(line);
     EXPECT_EQ(FindUnsafe(result.out), 0) << line << '\n' << result.out;
     EXPECT_EQ(FindUnsafe(result.err), 0) << line << '\n' << result.err;

@@ -24,12 +24,17 @@
 #include "fleet/findings.h"
 #include "fleet/fleet_file.h"
 #include "fleet/lookup_log.h"
+#include "fleet/passed_over.h"
 #include "fleet/suggestions.h"
 #include "lookup/data_source.h"
+#include "lookup/explanation.h"
+#include "lookup/recording.h"
 #include "output/capture.h"
+#include "output/console.h"
 #include "output/csv.h"
 #include "output/html_report.h"
 #include "output/json.h"
+#include "output/map_types.h"
 #include "output/progress.h"
 #include "output/sarif.h"
 #include "output/table.h"
@@ -67,12 +72,27 @@ Names Codes(const std::string& prefix, int first, int last) {
   return codes;
 }
 
+// Codes in their order, each before all that follow.
+TEST(Codes, AreInNaturalOrder) {
+  const Names codes = {// clang-format off
+      "", "\x1F", "0", "00", "01", "1", "2", "10", "18446744073709551616", "18446744073709551617",
+      "A", "A-1", "A0", "A00", "A0B", "A01", "A1", "A1B1", "A01B2", "A1B02", "A1B2", "A1B10", "A2",
+      "R2", "R10", "R10A", "R_1", "a", "\u00E9"};
+  // clang-format on
+  for (std::size_t i = 0; i < codes.size(); ++i) {
+    for (std::size_t j = 0; j < codes.size(); ++j) {
+      EXPECT_EQ(NaturalOrder()(codes[i], codes[j]), i < j) << codes[i] << ' ' << codes[j];
+    }
+  }
+}
+
 TEST(Fleet, IsDerivedFromTheNamesOfMaps) {
   const struct {
     Names maps, regions, carriers;
   } cases[] = {
       {{"DEFAULT", "SIM_DEFAULT"}, {""}, {""}},
       {{"US", "EU", "SIM_X1", "COTA_N7"}, {"", "EU", "US"}, {"", "N7", "X1"}},
+      {{"R10", "R2", "SIM_C10", "COTA_C9"}, {"", "R2", "R10"}, {"", "C9", "C10"}},
       {{"EU", "COTA_A_B_EU"}, {"", "EU"}, {"", "A_B"}},     // the region is known
       {{"COTA_X1_JP", "COTA_X1"}, {"", "JP"}, {"", "X1"}},  // the carrier is known
       {{"COTA_A_B"}, {""}, {"", "A_B"}},                    // region and carrier are unknown
@@ -355,6 +375,70 @@ TEST(Matrix, DistinguishesASimMapFromARegionOfTheSameName) {
   const Matrix matrix("", {{"SIM_X1"}, {"X1"}}, "sim", Kind::kInt);
   EXPECT_EQ(Join(matrix.chains.MapNames()),
             "SIM_X1, SIM_DEFAULT, COTA_X1_SIM_X1, COTA_X1, SIM_X1, DEFAULT");
+}
+
+// The same as in the explanation of each device, also if only maps of other kinds are tested.
+TEST(Matrix, MarksDevicesThatPassOverAValueOfAnotherKind) {
+  Matrix::Load(
+      "DEFAULT = {k = 1, l = []}\nEU = {k = '2', l = ['a']}\nSIM_DEFAULT.k = 3.0\nSIM_X1.k = []\n"
+      "COTA_X1 = {k = true, l = 1}\nCOTA_X1_EU.k = 4\nCOTA_N7_EU.l = [1]\nJP.k = 5");
+  const Fleet fleet = {{"", "EU", "JP"}, {"", "X1", "N7"}};
+  const auto contents = host::List();
+  const auto features = IndexFeatures({&contents});
+  std::size_t marked = 0;
+  for (std::size_t i = 0; i < features.size(); ++i) {
+    const auto& [key, kind, maps] = features[i];
+    for (const Family& family : Families()) {
+      if (!family.Has(kind)) continue;
+      const FleetChains chains(family, fleet);
+      const Results results = chains.Collect(kind, key);
+      const auto others = MapsOfOtherKinds(features, i);
+      const auto passed_over = FindPassedOver(chains, results, kind, key, &others);
+      EXPECT_EQ(passed_over.size(), FindPassedOver(chains, results, kind, key).size());
+      const MatrixLayout layout = LayOut(chains, results, passed_over);
+      ASSERT_EQ(layout.tables.size(), 1U);
+      const auto& [regions, carriers, rows] = layout.tables[0];
+      for (std::size_t row = 0; row < rows.size(); ++row) {
+        for (std::size_t column = 0; column < carriers.size(); ++column) {
+          const PassedOver* const shown = rows[row][column].passed_over;
+          for (const std::size_t region : regions[row].codes) {
+            for (const std::size_t carrier : carriers[column].codes) {
+              OverrideProperty(kRegionCode, fleet.regions[region]);
+              OverrideProperty(kCarrierCode, fleet.carriers[carrier]);
+              const Explanation explanation = Explain(MakeQuery(family, kind, key));
+              std::string expected;
+              for (const ChainEntry& entry : explanation.chain) {
+                if (entry.is_source) break;
+                if (entry.kinds.empty() || !expected.empty()) continue;
+                expected = entry.map + ": " +
+                           Join(entry.kinds, ", ", [](Kind other) { return ToString(other); });
+              }
+              EXPECT_EQ(shown == nullptr ? "" : shown->map + ": " + shown->kinds, expected)
+                  << key << ' ' << ToString(kind) << ' ' << family.name;
+              if (!expected.empty()) ++marked;
+            }
+          }
+        }
+      }
+    }
+  }
+  EXPECT_GT(marked, 50U);
+}
+
+TEST(MapTypes, KeepTheCodesOfTheDevice) {
+  OverrideProperty(kRegionCode, "EU");
+  EXPECT_EQ(
+      Join(MapTypeNames()),
+      "SIM_‹carrier›, SIM_DEFAULT, COTA_‹carrier›_‹region›, COTA_‹carrier›, ‹region›, DEFAULT");
+  ChooseColor("always");
+  EXPECT_EQ(MapColor(FindFamily("region"), 0), MapColor(FindFamily("sim"), 4));
+  EXPECT_NE(MapColor(FindFamily("region"), 0), MapColor(FindFamily("sim"), 3));
+  EXPECT_EQ(MapColor(FindFamily("region"), 1) + MapColor(FindFamily("sim"), kNoPosition), "");
+  ChooseColor("never");
+  EXPECT_EQ(MapColor(FindFamily("region"), 0), "");
+  ChooseColor("auto");
+  Matrix::Load("EU.k = 1");
+  EXPECT_EQ(Record(MakeQuery(FindFamily("region"), Kind::kInt, "k")).value, Value(1));
 }
 
 // Random data of one key, by map.

@@ -202,7 +202,7 @@ TEST(Trace, GivesTheProgramOnlyItsOwnSettings) {
 
 // The scripts run the traced program as "$@", and write its status to the file "$0".
 TEST(Trace, DoesNotDisturbTheProgramIfItCannotWrite) {
-  const std::string file = TemporaryFile("trace", ""), status = TemporaryFile("status", "");
+  const std::string file = TemporaryFile("trace\x1B", ""), status = TemporaryFile("status", "");
   const struct {
     Words program;
     std::string script, to, err;
@@ -210,7 +210,7 @@ TEST(Trace, DoesNotDisturbTheProgramIfItCannotWrite) {
       // clang-format off
       {{TRACED, "has-threads"}, R"({ "$@"; echo $? >"$0"; } | true)", "/dev/stdout", ""},
       {{TRACED, "has-threads"}, R"("$@"; echo $? >"$0")", "/dev/full", CannotWrite("/dev/full", Reason(ENOSPC, ""))},
-      {{TRACED, "has-threads", "8"}, R"((ulimit -f 1200; "$@"); echo $? >"$0")", file, CannotWrite(file, Reason(EFBIG, ""))},
+      {{TRACED, "has-threads", "8"}, R"((ulimit -f 1200; "$@"); echo $? >"$0")", file, CannotWrite(kTemporaryFolder.path + "/trace\\u001b", Reason(EFBIG, ""))},
       // For a program whose output is captured, /dev/stdout is another file.
       {(kIsPlainBuild ? Words{"sh", "-c", R"sh(test -z "$("$0" "$@")" && exit 3)sh"} : Words()) + Words{TRACED, "forks"},
        R"({ "$@"; echo $? >"$0"; } | grep -c . >&2)", "/dev/stdout", "4\n"},
@@ -225,7 +225,7 @@ TEST(Trace, DoesNotDisturbTheProgramIfItCannotWrite) {
   };
   for (const auto& [program, script, to, err] : cases) {
     TemporaryFile("status", "");
-    TemporaryFile("trace", "");
+    TemporaryFile("trace\x1B", "");
     const Words all = Words{"sh", "-c", script, status} + Traced({"-o", to}, program);
     Expect(RunProgram(all, kSettings), "", err);
     EXPECT_EQ(FileContents(status), "3\n");

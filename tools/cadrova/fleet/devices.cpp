@@ -20,10 +20,41 @@ std::optional<std::pair<std::string, std::string>> Split(const std::string& name
   return std::nullopt;
 }
 
+bool IsDigit(char byte) { return '0' <= byte && byte <= '9'; }
+
+// Removes a number, or one other byte, from the beginning of `text`, and returns it.
+std::string_view TakePart(std::string_view& text) {
+  std::size_t size = 1;
+  while (IsDigit(text[0]) && size < text.size() && IsDigit(text[size])) ++size;
+  const std::string_view part = text.substr(0, size);
+  text.remove_prefix(size);
+  return part;
+}
+
+std::string_view WithoutZeros(std::string_view number) {
+  return number.substr(std::min(number.find_first_not_of('0'), number.size()));
+}
+
 }  // namespace
 
 std::string ToText(const Device& device) {
   return DisplayName(device.first) + '/' + DisplayName(device.second);
+}
+
+bool NaturalOrder::operator()(const std::string& one, const std::string& other) const {
+  std::string_view rest = one, other_rest = other;
+  while (!rest.empty() && !other_rest.empty()) {
+    std::string_view part = TakePart(rest), other_part = TakePart(other_rest);
+    const bool are_numbers = IsDigit(part[0]) && IsDigit(other_part[0]);
+    if (are_numbers) {
+      part = WithoutZeros(part);
+      other_part = WithoutZeros(other_part);
+      if (part.size() != other_part.size()) return part.size() < other_part.size();
+    }
+    if (part != other_part) return part < other_part;
+  }
+  if (rest.empty() != other_rest.empty()) return rest.empty();
+  return one < other;
 }
 
 Fleet SelectDevices(const Fleet& codes, const std::vector<Device>& devices) {
@@ -88,7 +119,7 @@ std::map<std::string, NameCodes> CodesInNames(const std::vector<std::string>& ma
 }
 
 Fleet FleetOf(const std::vector<std::string>& map_names) {
-  std::set<std::string> regions = {""}, carriers = {""};
+  std::set<std::string, NaturalOrder> regions = {""}, carriers = {""};
   for (const auto& [map, codes] : CodesInNames(map_names)) {
     if (codes.region) regions.insert(*codes.region);
     if (codes.carrier) carriers.insert(*codes.carrier);

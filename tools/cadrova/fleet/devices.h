@@ -33,6 +33,12 @@ struct NameCodes {
 // The codes in the name of each map.
 std::map<std::string, NameCodes> CodesInNames(const std::vector<std::string>& map_names);
 
+// Orders codes as people do: R2 before R10. Codes that differ only in leading zeros are ordered by
+// their bytes.
+struct NaturalOrder {
+  bool operator()(const std::string& one, const std::string& other) const;
+};
+
 // A region code and a carrier code.
 using Device = std::pair<std::string, std::string>;
 
@@ -43,7 +49,7 @@ std::string ToText(const Device& device);
 // order of `codes`.
 Fleet SelectDevices(const Fleet& codes, const std::vector<Device>& devices);
 
-// The codes in the names of these maps, and the empty codes.
+// The codes in the names of these maps, and the empty codes, in natural order.
 Fleet FleetOf(const std::vector<std::string>& map_names);
 
 }  // namespace cadrova::tools
