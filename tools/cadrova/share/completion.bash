@@ -30,7 +30,7 @@ _cadrova() {
   for ((i = 2; i < COMP_CWORD; ++i)); do
     case ${COMP_WORDS[i]} in
       --) [[ $command != trace ]] || break ;;
-      --data | --fleet | --html | --region | --carrier | --regions | --carriers | --family | --sim | \
+      --data | --fleet | --html | --revision | --region | --carrier | --regions | --carriers | --family | --sim | \
         --format | --disable | -o) ((++i)) ;;
       -*) ;;
       *) ((++position)) ;;
@@ -45,7 +45,7 @@ _cadrova() {
       [[ $word != -* ]] || words="--data --fleet --region --carrier --sim --format --json --help"
       [[ $word != -* || $command != explain ]] || words+=" --steps"
       [[ $word != -* || $command != matrix ]] ||
-        words="--data --fleet --regions --carriers --format --json --csv --html --help"
+        words="--data --fleet --regions --carriers --format --json --csv --html --revision --help"
       ;;
     list) words="--data --format --json --help" ;;
     diff | check)
