@@ -384,8 +384,10 @@ TEST(Matrix, ShowsWhatEachDeviceGets) {
   }
   const std::string page = TemporaryFile("page.html", "");
   const std::pair<const char*, const char*> pages[] = {
-      {"", "<h2>a.b.c <small>int</small></h2>\n<h3>by carrier-region and sim</h3>\n<div>\n<table>"},
-      {"|region|int|int", "<h2>int <small>int</small></h2>\n<h3>by region</h3>\n<div>\n<table>"}};
+      {"",
+       "<section id=\"a.b.c:int\" class=constant><h2><a href=\"#a.b.c:int\">a.b.c</a> "
+       "<small>int</small></h2>\n<h3>by carrier-region and sim</h3>\n<div>\n<table>"},
+      {"|region|int|int", "int</a> <small>int</small></h2>\n<h3>by region</h3>\n<div>\n<table>"}};
   for (const auto& [feature, part] : pages) {
     ExpectEach({{"matrix|--html|" + page + feature, ""}});
     EXPECT_NE(FileContents(page).find(part), std::string::npos);
@@ -612,6 +614,7 @@ TEST(Command, RefusesWithOneLineThatSaysWhy) {
       {"matrix|region|int|k|--json|--csv", "--json and --csv can't be combined\n"},
       {"matrix|region|int|k|--csv|--html|page", "--csv and --html can't be combined\n"},
       {"matrix|region|int|k|--format|csv|--html|page", "--format and --html can't be combined\n"},
+      {"matrix|region|int|k|--revision|1", "cadrova: --revision needs --html; "},
       {"matrix|region|int|k|--format|xml", "cadrova: --format: unknown format 'xml'; use one of: text, json, csv\n"},
       {"explain|sim|int|k|--format|text|--steps", "--format and --steps can't be combined\n"},
       {"list|--format|csv", "--format: unknown format 'csv'; use one of: text, json\n"},
@@ -685,6 +688,22 @@ TEST(Output, ReplacesNoInput) {
     Expect(
         RunProgram({"sh", "-c", "cd \"$0\"; cat d p t; ls -A", kTemporaryFolder.path + "/folder"}),
         "DEFAULT.k=1\na=b\ntext\nd\nhard\np\nsoft\nt\n", "");
+  }
+}
+
+TEST(Matrix, SaysInTheReportWhichDataItShows) {
+  const std::string data = "echo DEFAULT.k=1 >d; touch -d @1234567890 d; ",
+                    report = "\"$@\" matrix --data d --html - --revision '<1'",
+                    source = " | grep -F '<b>d</b>'";
+  const std::string revision = " UTC</time>, revision <b>&lt;1</b>\n",
+                    start = "<p class=\"about\"><b>d</b>, changed <time datetime=";
+  Expect(RunInEmptyFolder(data + "unset SOURCE_DATE_EPOCH; " + report + source),
+         start + "2009-02-13T23:31:30Z>2009-02-13 23:31:30" + revision, "");
+  Expect(RunInEmptyFolder(data + "SOURCE_DATE_EPOCH=86400 " + report + source),
+         start + "1970-01-02T00:00:00Z>1970-01-02 00:00:00" + revision, "");
+  for (const std::string epoch : {"x", "-1", "1.5", "253402300800"}) {
+    ExpectRefusal(RunInEmptyFolder(data + "SOURCE_DATE_EPOCH=" + epoch + ' ' + report),
+                  "cadrova: SOURCE_DATE_EPOCH is " + epoch + "; it must be a number of seconds");
   }
 }
 

@@ -57,7 +57,7 @@ struct Matrix {
     EXPECT_EQ(host::LoadText(toml), std::vector<host::Error>());
   }
   std::string ToText() const {
-    return tools::ToText(chains, results, kind, FindPassedOver(chains, results, kind, "k"));
+    return tools::ToText(chains, results, FindPassedOver(chains, results, kind, "k"));
   }
 
   Fleet fleet;
@@ -360,12 +360,12 @@ TEST(Matrix, ListsExceptionsOfSingleDevicesIfTheTableWouldBeTooLarge) {
             "              carrier\nregion        every carrier\nevery region  no map\n\n"
             "region  carrier  exception\n" +
                 exceptions);
-  HtmlReport report("", matrix.fleet);
+  HtmlReport report({""}, matrix.fleet);
   report.BeginFeature("k", Kind::kInt);
   report.Add(matrix.chains.family(), LayOut(matrix.chains, matrix.results));
   for (const std::string part :
-       {"map\">\n<li class=p2>", "<td class=none><small>no map</small></tr>\n",
-        "exceptions\n<span class=p2><b>R10, C10</b> 10 <small>COTA_C10_R10</small></span>\n"}) {
+       {"map\"><ul>\n<li class=p2>", "<td class=none><small>no map</small></tr>\n",
+        "devices: <b>30</b></summary>\n<pre class=p2>R10, C10: 10 COTA_C10_R10\n"}) {
     EXPECT_NE(report.ToHtml().find(part), std::string::npos) << part;
   }
 }
@@ -387,7 +387,7 @@ TEST(Matrix, MarksDevicesThatPassOverAValueOfAnotherKind) {
   const auto features = IndexFeatures({&contents});
   std::size_t marked = 0;
   for (std::size_t i = 0; i < features.size(); ++i) {
-    const auto& [key, kind, maps] = features[i];
+    const auto& [key, kind, maps, places] = features[i];
     for (const Family& family : Families()) {
       if (!family.Has(kind)) continue;
       const FleetChains chains(family, fleet);
@@ -735,9 +735,13 @@ TEST(Sarif, NamesFilesByTheirUris) {
 
 // The same map has different positions in the chains of two devices.
 TEST(HtmlReport, IsEqualToTheGoldenFile) {
-  Matrix::Load("DEFAULT = {k = 30, name = 'a \"b\" <c>&'}\nCOTA_X1.k = 25\nSIM_X1.k = 15");
-  const Fleet fleet = {{"", "COTA_X1"}, {"", "X1"}};
-  HtmlReport report("<text>", fleet);
+  Matrix::Load(
+      "DEFAULT = {k = 30, name = 'a \"b\" <c>&', 'k <%' = ['a\"', ''], pairs = [['a', 'b'], ['', "
+      "'']]}\n"
+      "COTA_X1 = {k = 25, 'k <%' = []}\nSIM_X1.k = 15");
+  Fleet fleet = {{"", "COTA_X1"}, Codes("C", 1, 5)};
+  fleet.carriers.insert(fleet.carriers.end(), {"", "X1", "unset"});
+  HtmlReport report({"/folder/<text>", 1'234'567'890, "a & b"}, fleet);
   const auto contents = host::List();
   for (const auto& [key, kind, maps, places] : IndexFeatures({&contents})) {
     report.BeginFeature(key, kind);

@@ -52,6 +52,21 @@ inline std::string DisplayName(const std::string& name) {
   return text;
 }
 
+// The name of a file or a key as part of a URI.
+inline std::string PercentEncoded(const std::string& name) {
+  constexpr char kDigits[] = "0123456789ABCDEF";
+  std::string text;
+  for (const char byte : name) {
+    if (IsPlainInName(byte) || byte == '~' || byte == '/') {
+      text += byte;
+    } else {
+      const auto code = static_cast<unsigned char>(byte);
+      text += {'%', kDigits[code / 16], kDigits[code % 16]};
+    }
+  }
+  return text;
+}
+
 // Appends a function and its arguments: function("EU", "ring.seconds", 3)
 template <class Text>
 void AppendCall(Text& text, const char* function, const auto& first, const auto&... rest) {

@@ -1,7 +1,12 @@
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <charconv>
 #include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <system_error>
 
 #include "commands/command.h"
 #include "commands/format_option.h"
@@ -23,6 +28,25 @@
 namespace cadrova::tools {
 namespace {
 
+// The time that SOURCE_DATE_EPOCH gives, so that a build can be repeated, or else that of the file.
+std::optional<std::time_t> TimeOfChange(const std::string& file) {
+  const char* const epoch = std::getenv("SOURCE_DATE_EPOCH");
+  if (epoch != nullptr && *epoch != '\0') {
+    constexpr std::time_t kLastYear = 253'402'300'799;  // the end of the year 9999
+    std::time_t time = 0;
+    const char* const end = epoch + std::strlen(epoch);
+    const auto [rest, error] = std::from_chars(epoch, end, time);
+    if (rest != end || error != std::errc() || time < 0 || time > kLastYear) {
+      throw Failure("SOURCE_DATE_EPOCH is " + DisplayName(epoch) +
+                    "; it must be a number of seconds since 1970");
+    }
+    return time;
+  }
+  struct stat status = {};
+  if (stat(file.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
+  return status.st_mtime;
+}
+
 class Matrix : public Command {
  public:
   void DeclareOptions(Options& options) override {
@@ -36,6 +60,8 @@ class Matrix : public Command {
         "--html", html_, "FILE",
         "Write an HTML report (\"-\": to standard output), of all features if none is named",
         ValueType::kFile);
+    options.Add("--revision", revision_, "TEXT",
+                "Revision of the data, to show in the HTML report");
   }
 
   int Run() override {
@@ -43,6 +69,8 @@ class Matrix : public Command {
     if (!key_ && (family_ || !html_)) {
       throw Failure("give FAMILY, KIND and KEY; or none of them, with --html");
     }
+    if (revision_ && !html_)
+      throw Failure("--revision needs --html; only the report shows the revision");
     std::optional<Query> query;
     if (family_ && kind_ && key_) query = MakeQuery(*family_, *kind_, *key_);
     data_files_ = data_.Apply();
@@ -64,14 +92,14 @@ class Matrix : public Command {
     } else if (format == "csv") {
       Print(DataFor(STDOUT_FILENO, ToCsv(chains, results)));
     } else if (page) {
-      HtmlReport report(HasFakeCore() ? ListContents().file : "libcadrova_ffi.so", fleet);
+      HtmlReport report(Source(HasFakeCore() ? ListContents().file : "libcadrova_ffi.so"), fleet);
       report.BeginFeature(query.key, query.kind);
       const auto passed_over = FindPassedOver(chains, results, query.kind, query.key);
       report.Add(*query.family, LayOut(chains, results, passed_over));
       page->Write(report.ToHtml());
     } else {
       const auto passed_over = FindPassedOver(chains, results, query.kind, query.key);
-      Print(ToText(chains, results, query.kind, passed_over));
+      Print(ToText(chains, results, passed_over));
     }
     if (!results.is_stable()) {
       PrintError(
@@ -95,7 +123,7 @@ class Matrix : public Command {
     for (const Family& family : Families()) {
       if (family.is_reported) families.emplace_back(family, fleet, &maps);
     }
-    HtmlReport report(contents.file, fleet);
+    HtmlReport report(Source(contents.file), fleet);
     Progress progress("looking up each feature");
     for (std::size_t i = 0; i < features.size(); ++i) {
       progress.Show(i, features.size());
@@ -113,6 +141,10 @@ class Matrix : public Command {
     return kSuccess;
   }
 
+  ReportSource Source(const std::string& name) const {
+    return {name, TimeOfChange(name), revision_};
+  }
+
   OutputFile Page(const FleetChoice& choice) const {
     auto inputs = data_files_;
     if (inputs.empty() && HasFakeCore()) inputs.push_back(ListContents().file);  // the sample
@@ -123,7 +155,7 @@ class Matrix : public Command {
     return {"--html", html_.value_or(""), inputs};
   }
 
-  std::optional<std::string> family_, kind_, key_, html_;
+  std::optional<std::string> family_, kind_, key_, html_, revision_;
   DataOption data_;
   std::vector<std::string> data_files_;  // as they were named
   FleetOptions fleet_;

@@ -22,7 +22,8 @@ PassedOverMaps FindPassedOver(const FleetChains& chains, const Results& results,
         ExistenceTest* const test = ExistenceTestOf(other, chains.IsSim(id));
         if (CoreContains(test, chains.MapName(id), key)) kinds.push_back(ToString(other));
       }
-      if (!kinds.empty()) found.emplace(id, PassedOver{chains.MapName(id), Join(kinds)});
+      if (kinds.empty()) continue;
+      found.emplace(id, PassedOver{chains.MapName(id), Join(kinds) + ", not " + ToString(kind)});
     }
   });
   return found;

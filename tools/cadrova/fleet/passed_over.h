@@ -14,7 +14,7 @@ namespace cadrova::tools {
 // A map that contains a key, but only as other kinds.
 struct PassedOver {
   std::string map;
-  std::string kinds;  // for example "string"
+  std::string kinds;  // "string, not int"
 };
 
 // By the ids of the maps.

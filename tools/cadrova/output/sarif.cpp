@@ -14,19 +14,6 @@ using SarifJson = nlohmann::ordered_json;
 
 const char* Level(bool is_error) { return is_error ? "error" : "warning"; }
 
-std::string PercentEncoded(const std::string& path) {
-  constexpr char kDigits[] = "0123456789ABCDEF";
-  std::string text;
-  for (const unsigned char byte : path) {
-    if (IsPlainInName(static_cast<char>(byte)) || byte == '~' || byte == '/') {
-      text += static_cast<char>(byte);
-    } else {
-      text += {'%', kDigits[byte / 16], kDigits[byte % 16]};
-    }
-  }
-  return text;
-}
-
 // `folder` is the working folder.
 std::string ToUri(const std::string& file, const std::filesystem::path& folder) {
   if (file == "<stdin>") return PercentEncoded(file);

@@ -92,12 +92,10 @@ class MatrixRows {
     return rows;
   }
 
-  // `kind` is that of the lookup.
-  std::vector<Row> OfPassedOverMaps(Kind kind) const {
+  std::vector<Row> OfPassedOverMaps() const {
     std::vector<Row> rows;
     for (const PassedOver* map : passed_over_) {
-      rows.push_back(
-          {kMark, DisplayName(map->map) + ": " + map->kinds + ", not " + ToString(kind)});
+      rows.push_back({kMark, DisplayName(map->map) + ": " + map->kinds});
     }
     return rows;
   }
@@ -128,7 +126,7 @@ class MatrixRows {
 
 }  // namespace
 
-std::string ToText(const FleetChains& chains, const Results& results, Kind kind,
+std::string ToText(const FleetChains& chains, const Results& results,
                    const PassedOverMaps& passed_over) {
   const std::size_t width = TerminalWidth();
   std::function<bool(const MatrixTable&)> fits;
@@ -150,7 +148,7 @@ std::string ToText(const FleetChains& chains, const Results& results, Kind kind,
   };
   for (const MatrixTable& table : layout.tables) add(rows.Of(table));
   if (!layout.exceptions.empty()) add(rows.Of(layout.exceptions));
-  add(rows.OfPassedOverMaps(kind));
+  add(rows.OfPassedOverMaps());
   add(rows.OfLongValues());
   return text;
 }

@@ -18,7 +18,7 @@ std::string ToLines(const Value& value);
 std::string ToText(const std::vector<Feature>& features, const std::string& file);
 
 // The results of a feature of this kind on every device.
-std::string ToText(const FleetChains& chains, const Results& results, Kind kind,
+std::string ToText(const FleetChains& chains, const Results& results,
                    const PassedOverMaps& passed_over);
 
 // One line per finding: file:line:column: error: message [name]
