@@ -405,13 +405,14 @@ TEST(Matrix, MarksDevicesThatPassOverAValueOfAnotherKind) {
             for (const std::size_t carrier : carriers[column].codes) {
               OverrideProperty(kRegionCode, fleet.regions[region]);
               OverrideProperty(kCarrierCode, fleet.carriers[carrier]);
-              const Explanation explanation = Explain(MakeQuery(family, kind, key));
+              const Explanation explanation = Explain(MakeQuery(family, kind, key), nullptr);
               std::string expected;
               for (const ChainEntry& entry : explanation.chain) {
                 if (entry.is_source) break;
                 if (entry.kinds.empty() || !expected.empty()) continue;
                 expected = entry.map + ": " +
-                           Join(entry.kinds, ", ", [](Kind other) { return ToString(other); });
+                           Join(entry.kinds, ", ", [](Kind other) { return ToString(other); }) +
+                           ", not " + ToString(kind);
               }
               EXPECT_EQ(shown == nullptr ? "" : shown->map + ": " + shown->kinds, expected)
                   << key << ' ' << ToString(kind) << ' ' << family.name;
