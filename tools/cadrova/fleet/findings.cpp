@@ -12,6 +12,7 @@
 #include "common/json_text.h"
 #include "common/text.h"
 #include "fleet/feature_index.h"
+#include "fleet/key_chains.h"
 #include "fleet/map_name_suggestions.h"
 #include "fleet/results.h"
 #include "fleet/suggestions.h"
@@ -226,96 +227,6 @@ void Checker::CheckMaps(bool has_derived_codes) {
   }
 }
 
-// The chains that the lookups of one key consult, with only the items that exist.
-class KeyChains {
- public:
-  struct Entry {
-    std::size_t item;
-    std::size_t value;  // a number; equal values have the same
-  };
-  using Chain = std::vector<Entry>;
-
-  explicit KeyChains(const std::vector<const Item*>& items) : chains_of_(items.size()) {
-    for (std::size_t i = 0; i < items.size(); ++i) numbers_.emplace(items[i]->map, i);
-  }
-
-  // With `is_judged`, an item that changes a result of these lookups is not redundant.
-  void Add(const FleetChains& chains, const Results& results, bool is_judged) {
-    for (const ChainMaps& maps : chains.DistinctChains({&results})) {
-      Chain chain;
-      for (const auto& [id, position] : maps) {
-        const auto result = results.by_map().find(id);
-        if (result == results.by_map().end()) continue;
-        const std::size_t item = numbers_.at(chains.MapName(id));
-        chain.push_back({item, NumberOf(result->second)});
-        auto& [containing, distance] = chains_of_[item];
-        if (is_judged) containing.push_back(chains_.size());
-        distance = std::max(distance, chains.length() - position);
-      }
-      if (!is_judged) continue;
-      chains_.push_back(std::move(chain));
-      missing_values_.push_back(NumberOf(results.missing()));
-    }
-  }
-
-  // The items that can be removed together. Each is tested as if those before it were removed, so
-  // the test begins with the items that are nearest the device.
-  std::vector<std::size_t> FindRedundant(std::size_t item_in_default) const {
-    std::vector<std::size_t> order, redundant;
-    for (std::size_t item = 0; item < chains_of_.size(); ++item) {
-      if (item != item_in_default && chains_of_[item].distance > 0) order.push_back(item);
-    }
-    std::ranges::sort(order, std::less(), [&](std::size_t item) {
-      return std::pair(-static_cast<std::ptrdiff_t>(chains_of_[item].distance), item);
-    });
-    std::vector<bool> is_removed(chains_of_.size());
-    // Repeated, because an item that was needed may no longer be so when others are removed.
-    for (bool is_repeated = true; is_repeated;) {
-      is_repeated = false;
-      for (const std::size_t item : order) {
-        const auto is_needed_in = [&](std::size_t chain) {
-          return IsNeeded(item, chain, is_removed);
-        };
-        if (is_removed[item] || std::ranges::any_of(chains_of_[item].chains, is_needed_in))
-          continue;
-        is_removed[item] = is_repeated = true;
-        redundant.push_back(item);
-      }
-    }
-    return redundant;
-  }
-
- private:
-  struct ChainsOfItem {
-    std::vector<std::size_t> chains;
-    std::size_t distance = 0;  // the longest one to the end of a chain
-  };
-
-  std::size_t NumberOf(const Result& result) {
-    const std::string text = result.map ? ToJsonText(result.value) : "";
-    return values_.try_emplace(text, values_.size()).first->second;
-  }
-
-  // Whether a device with this chain gets another value without the item.
-  bool IsNeeded(std::size_t item, std::size_t number, const std::vector<bool>& is_removed) const {
-    const Chain& chain = chains_[number];
-    const auto is_left = [&](const Entry& entry) { return !is_removed[entry.item]; };
-    const auto source = std::ranges::find_if(chain, is_left);
-    if (source->item != item) return false;
-    // A chain may contain the same map twice.
-    const auto next = std::find_if(source, chain.end(), [&](const Entry& entry) {
-      return is_left(entry) && entry.item != item;
-    });
-    return source->value != (next == chain.end() ? missing_values_[number] : next->value);
-  }
-
-  std::unordered_map<std::string_view, std::size_t> numbers_;  // of the items, by map
-  std::vector<Chain> chains_;
-  std::vector<std::size_t> missing_values_;  // of each chain, if no map contains the item
-  std::vector<ChainsOfItem> chains_of_;      // by item
-  std::unordered_map<std::string, std::size_t> values_;
-};
-
 // Items of DEFAULT are never reported: DEFAULT contains the values that other maps replace.
 void Checker::CheckRedundancy() {
   const auto features = IndexFeatures({&contents_});
@@ -328,7 +239,9 @@ void Checker::CheckRedundancy() {
     const bool is_only_in_default = items.size() == 1 && in_default == 0;
     // If no lookup of the key was logged, every family may look it up.
     const std::set<const Family*> families = FamiliesThatLookUp(key);
-    KeyChains key_chains(items);
+    std::vector<std::string_view> maps_of_items(items.size());
+    std::ranges::transform(items, maps_of_items.begin(), &Item::map);
+    KeyChains key_chains(maps_of_items);
     std::set<Kind> added;
     const auto add = [&](Kind kind, const std::vector<std::string>& maps) {
       added.insert(kind);
