@@ -843,8 +843,8 @@ _cadrova cadrova
 printf '%s\n' "${COMPREPLY[@]}")";
   for (const auto& [words, completed] : cases) {
     SCOPED_TRACE(words);
-    const Words bash = {"bash", "-c", script,
-                        CADROVA_SOURCES "/tools/cadrova/share/completion.bash", words};
+    const std::string completion = CADROVA_SOURCES "/tools/cadrova/share/completion.bash";
+    const Words bash = {"bash", "-c", script, completion, words};
     const ProgramResult result = RunProgram(bash, {"CADROVA_HOST_DATA=" + data});
     EXPECT_EQ(result.out.substr(0, result.out.find_last_not_of('\n') + 1), completed);
     EXPECT_EQ(result.err, "");

@@ -28,10 +28,12 @@ std::string Join(const Range& range, std::string_view separator = ", ",
   return text;
 }
 
+constexpr bool IsDigit(char byte) { return '0' <= byte && byte <= '9'; }
+
 // Whether names with this byte need no quotes.
 constexpr bool IsPlainInName(char byte) {
-  return ('a' <= byte && byte <= 'z') || ('A' <= byte && byte <= 'Z') ||
-         ('0' <= byte && byte <= '9') || byte == '_' || byte == '.' || byte == '-';
+  return ('a' <= byte && byte <= 'z') || ('A' <= byte && byte <= 'Z') || IsDigit(byte) ||
+         byte == '_' || byte == '.' || byte == '-';
 }
 
 // Appends the name of a map, a key or a code. It is unchanged if it has only letters, digits, "_",

@@ -192,18 +192,18 @@ Names Candidates(IncompleteWord word) {
 }
 
 int Complete(const Names& words) {
-  std::string text, source = ":words";
   if (std::freopen("/dev/null", "w", stderr) == nullptr) return 0;
+  std::string text;
   try {
     Names unquoted(words.size());
     std::ranges::transform(words, unquoted.begin(), Unquoted);
     const IncompleteWord word = ParseIncomplete(unquoted);
-    source = SourceOf(word);
     for (const std::string& candidate : Candidates(word)) text += candidate + '\n';
+    text += SourceOf(word);
   } catch (const Failure&) {
-    // There is no such command.
+    text = ":words";  // There is no such command.
   }
-  std::fputs((text + source + '\n').c_str(), stdout);
+  std::fputs((text + '\n').c_str(), stdout);
   return 0;
 }
 

@@ -20,8 +20,6 @@ std::optional<std::pair<std::string, std::string>> Split(const std::string& name
   return std::nullopt;
 }
 
-bool IsDigit(char byte) { return '0' <= byte && byte <= '9'; }
-
 // Removes a number, or one other byte, from the beginning of `text`, and returns it.
 std::string_view TakePart(std::string_view& text) {
   std::size_t size = 1;

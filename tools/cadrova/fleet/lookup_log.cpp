@@ -59,8 +59,6 @@ Functions ListFunctions() {
   return functions;
 }
 
-bool IsDigit(char byte) { return '0' <= byte && byte <= '9'; }
-
 void AppendUtf8(std::string& text, unsigned code) {
   if (code < 0x80) {
     text += static_cast<char>(code);

@@ -20,16 +20,16 @@ bool AreEqual(const DeviceResults& one, const DeviceResults& other) {
 }
 
 // Families with equal results.
-struct Group {
+struct FamilyGroup {
   std::vector<const Family*> families;
   const DeviceResults* results;
 };
 
-std::vector<Group> GroupFamilies(const std::vector<DeviceResults>& all_results) {
-  std::vector<Group> groups;
+std::vector<FamilyGroup> GroupEqual(const std::vector<DeviceResults>& all_results) {
+  std::vector<FamilyGroup> groups;
   for (const DeviceResults& results : all_results) {
     auto group = std::ranges::find_if(
-        groups, [&](const Group& other) { return AreEqual(*other.results, results); });
+        groups, [&](const FamilyGroup& other) { return AreEqual(*other.results, results); });
     if (group == groups.end()) group = groups.insert(group, {{}, &results});
     group->families.push_back(results.family);
   }
@@ -64,7 +64,7 @@ std::string ToText(const std::vector<FeatureResults>& features, const std::vecto
     for (const Device& device : devices) rows[0].push_back(ToText(device));
   }
   for (const auto& [feature, all_results, family_count] : features) {
-    for (const auto& [families, results] : GroupFamilies(all_results)) {
+    for (const auto& [families, results] : GroupEqual(all_results)) {
       const std::string names = Join(families, ", ", &Family::name);
       const bool are_all = families.size() == family_count;
       Row& row = rows.emplace_back(Row{DisplayName(feature->key) + (are_all ? "" : " by " + names),

@@ -186,9 +186,9 @@ std::string HtmlReport::ToHtml() const {
   }
   for (const auto& [key, kind, tables, result, is_constant] : sections_) {
     const std::string id = PercentEncoded(key) + ':' + ToString(kind);
-    features += "<section id=\"" + id + '"' + (is_constant ? " class=constant" : "") +
-                "><h2><a href=\"#" + id + "\">" + Escaped(DisplayName(key)) + "</a> <small>" +
-                ToString(kind) + "</small></h2>\n";
+    features.append("<section id=\"").append(id).append(is_constant ? "\" class=constant" : "\"");
+    features.append("><h2><a href=\"#").append(id).append("\">").append(Escaped(DisplayName(key)));
+    features.append("</a> <small>").append(ToString(kind)).append("</small></h2>\n");
     for (const auto& [families, html] : tables) {
       features.append("<h3>by ").append(families).append("</h3>\n<div>\n");
       features.append(html).append("</div>\n");
@@ -219,7 +219,9 @@ std::string HtmlReport::ExceptionsHtml(const MatrixLayout& layout,
   }
   std::string html = "<details><summary>exceptions of single devices: <b>" +
                      std::to_string(layout.exceptions.size()) + "</b></summary>\n";
-  for (const auto& [style, text] : lines) html += "<pre class=" + style + '>' + text + "</pre>\n";
+  for (const auto& [style, text] : lines) {
+    html.append("<pre class=").append(style).append(">").append(text).append("</pre>\n");
+  }
   return html + "</details>\n";
 }
 
