@@ -147,7 +147,9 @@ class ExplainCommand : public Command {
     }
   }
 
-  Query GivenQuery() const { return MakeQuery(key_or_family_, *given_kind_, *key_, default_); }
+  Query GivenQuery() const {
+    return MakeQuery(key_or_family_, given_kind_.value_or(""), key_.value_or(""), default_);
+  }
 
   int PrintSteps() const {
     const Recording recording = Record(GivenQuery());

@@ -18,6 +18,7 @@ std::string LongValues::ToText(const std::string& value) {
 
 std::vector<Row> LongValues::Rows() const {
   std::vector<Row> rows;
+  rows.reserve(values_.size());
   for (const std::string& value : values_) rows.push_back({Number(rows.size()), value});
   return rows;
 }

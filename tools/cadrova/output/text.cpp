@@ -94,6 +94,7 @@ class MatrixRows {
 
   std::vector<Row> OfPassedOverMaps() const {
     std::vector<Row> rows;
+    rows.reserve(passed_over_.size());
     for (const PassedOver* map : passed_over_) {
       rows.push_back({kMark, DisplayName(map->map) + ": " + map->kinds});
     }
