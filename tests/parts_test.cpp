@@ -405,7 +405,7 @@ TEST(Matrix, MarksDevicesThatPassOverAValueOfAnotherKind) {
             for (const std::size_t carrier : carriers[column].codes) {
               OverrideProperty(kRegionCode, fleet.regions[region]);
               OverrideProperty(kCarrierCode, fleet.carriers[carrier]);
-              const Explanation explanation = Explain(MakeQuery(family, kind, key));
+              const Explanation explanation = Explain(MakeQuery(family, kind, key), nullptr);
               std::string expected;
               for (const ChainEntry& entry : explanation.chain) {
                 if (entry.is_source) break;

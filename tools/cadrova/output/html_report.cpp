@@ -51,9 +51,8 @@ std::string CodesHtml(const CodeGroup& group, const std::vector<std::string>& co
 }
 
 std::string OptionsHtml(const std::vector<std::string>& codes) {
-  return Join(codes, "", [](const std::string& code) {
-    return "<option>" + Escaped(CodeText(code));
-  });
+  return Join(codes, "",
+              [](const std::string& code) { return "<option>" + Escaped(CodeText(code)); });
 }
 
 // The heading of a row or column. The script reads from `data-of` which codes it has; a heading
@@ -133,7 +132,8 @@ std::string SourceHtml(const ReportSource& source) {
     std::strftime(text, sizeof text, "<time datetime=%FT%TZ>%F %T UTC</time>", &utc);
     html += std::string(", changed ") + text;
   }
-  if (source.revision) html += ", revision <b>" + Escaped(host::Printable(*source.revision)) + "</b>";
+  if (source.revision)
+    html += ", revision <b>" + Escaped(host::Printable(*source.revision)) + "</b>";
   return html;
 }
 
@@ -204,7 +204,8 @@ std::string HtmlReport::ToHtml() const {
   Replace(page, "{carriers}", Join(fleet_.carriers, ", ", CodeHtml));
   Replace(page, "{regions}", Join(fleet_.regions, ", ", CodeHtml));
   Replace(page, "{source}", SourceHtml(source_));
-  Replace(page, "{title}", Escaped(host::Printable(std::filesystem::path(source_.name).filename().string())));
+  Replace(page, "{title}",
+          Escaped(host::Printable(std::filesystem::path(source_.name).filename().string())));
   return page;
 }
 
