@@ -762,7 +762,7 @@ void ExpectCompletionOfEachOption(const std::string& command, const std::string&
   for (std::sregex_iterator match(help.begin(), help.end(), option), end; match != end; ++match) {
     const std::string name = (*match)[1], type = (*match)[2];
     const auto [out, err, status] = Cadrova("__complete|" + command + '|' + name + '|', kSample);
-    const bool is_file = type == "FILE", is_free = type == "KEY=VALUE";
+    const bool is_file = type == "FILE", is_free = type == "KEY=VALUE" || type == "TEXT";
     EXPECT_EQ(out == ":files\n", is_file) << command << name;
     EXPECT_EQ(out == ":words\n", is_free) << command << name;
     EXPECT_EQ(std::pair(err, status), std::pair(std::string(), 0));

@@ -411,7 +411,8 @@ TEST(Matrix, MarksDevicesThatPassOverAValueOfAnotherKind) {
                 if (entry.is_source) break;
                 if (entry.kinds.empty() || !expected.empty()) continue;
                 expected = entry.map + ": " +
-                           Join(entry.kinds, ", ", [](Kind other) { return ToString(other); });
+                           Join(entry.kinds, ", ", [](Kind other) { return ToString(other); }) +
+                           ", not " + ToString(kind);
               }
               EXPECT_EQ(shown == nullptr ? "" : shown->map + ": " + shown->kinds, expected)
                   << key << ' ' << ToString(kind) << ' ' << family.name;

@@ -1,7 +1,6 @@
 #include "fleet/lookup_log.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstdint>
 #include <cstdio>
 #include <set>
@@ -133,11 +132,10 @@ class Rest {
       text_.remove_prefix(1);
       return true;
     }
-    const std::string_view digits = text_.substr(0, 4);
-    unsigned code = 0;
-    const char* const end = digits.data() + digits.size();
-    if (digits.size() < 4 || std::from_chars(digits.data(), end, code, 16).ptr != end) return false;
-    AppendUtf8(text, code);
+    const std::string digits(text_.substr(0, 4));
+    const bool is_hex = digits.find_first_not_of("0123456789abcdef") == std::string::npos;
+    if (digits.size() < 4 || !is_hex) return false;
+    AppendUtf8(text, static_cast<unsigned>(std::stoul(digits, nullptr, 16)));
     text_.remove_prefix(4);
     return true;
   }

@@ -65,7 +65,7 @@ bool HasColor() {
 }
 
 std::string Colored(const std::string& text, const std::string& color) {
-  return HasColor() && !color.empty() ? "\x1B[" + color + 'm' + text + "\x1B[0m" : text;
+  return !color.empty() && HasColor() ? "\x1B[" + color + 'm' + text + "\x1B[0m" : text;
 }
 
 std::size_t TerminalWidth() {
