@@ -317,11 +317,17 @@ TEST(Table, FitsItsWidth) {
       // clang-format on
   };
   for (const auto& [width, text] : cases) EXPECT_EQ(Table(rows, width), text) << width;
-  // One row that does not fit alone leaves the others aligned. If they don't fit together, none is.
+  // One row that does not fit alone leaves the others aligned.
   EXPECT_EQ(Table({{"a.long.key.of.20.byte", "int", "EU, JP"}, {"b", "string", "EU"}}, 26),
             "a.long.key.of.20.byte  int\n    EU, JP\nb  string  EU\n");
   EXPECT_EQ(Table({{"a.long.key", "int", "EU"}, {"b", "string-array", "COTA_X1, EU"}}, 20),
             "a.long.key  int  EU\nb  string-array\n    COTA_X1, EU\n");
+  // If they do not fit together, the first columns are aligned.
+  EXPECT_EQ(
+      Table({{"a.long.key", "int", "EU", "JP"}, {"b", "string-array", "COTA_X1, EU", ""}}, 30),
+      "a.long.key  int           EU\n    JP\nb           string-array\n    COTA_X1, EU\n");
+  EXPECT_EQ(Table({{"a.long.key", "a b", "EU"}, {"b", "string-array", "JP"}}, 25),
+            "a.long.key  a b\n    EU\nb           string-array\n    JP\n");
   EXPECT_EQ(Table({{"a b c d", "c d"}, {"1 2", "3"}}, 8), "a b  c d\nc d\n1 2  3\n");
 }
 

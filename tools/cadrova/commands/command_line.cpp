@@ -37,17 +37,20 @@ const CommandInfo& FindCommand(const std::string& name) {
   throw Failure("unknown command '" + name + "'; use one of: " + Join(CommandNames()));
 }
 
-// `text` with the lines that are too long for the terminal broken between words. The rest of a
-// description is below its first word.
+constexpr std::size_t kDescriptionColumn = 20;
+
+// `text` with the lines that are too long for the terminal broken between words. The rest is
+// below the description, or behind "Usage: ".
 std::string FitTerminal(const std::string& text) {
   const std::size_t width = TerminalWidth();
   std::string fitting;
   std::istringstream lines(text);
   for (std::string line; std::getline(lines, line);) {
     const std::size_t begin = std::min(line.find_first_not_of(' '), line.size());
-    const std::size_t gap = std::min(line.find("  ", begin), line.find(": ", begin));
-    const bool has_gap = gap != std::string::npos;
-    const std::size_t column = has_gap ? line.find_first_not_of(": ", gap) : begin;
+    const std::size_t label = line.find(": ");
+    const std::size_t column = begin == 2 ? std::min(kDescriptionColumn, line.size())
+                               : begin == 0 && label != std::string::npos ? label + 2
+                                                                          : begin;
     const std::size_t rest = width - std::min(width, column);
     fitting += line.substr(0, column) +
                Join(Wrapped(line.substr(column), rest), '\n' + std::string(column, ' ')) + '\n';
@@ -137,7 +140,7 @@ class WordReader {
 class Parser {
  public:
   Parser() : app_("Look up how a device is customized, and why", "cadrova") {
-    app_.get_formatter()->column_width(20);
+    app_.get_formatter()->column_width(kDescriptionColumn);
     app_.get_formatter()->label("SUBCOMMAND", "COMMAND");
     app_.get_formatter()->label("REQUIRED", "");
     app_.set_version_flag("--version", CADROVA_VERSION, "Print the version and exit");

@@ -94,10 +94,11 @@ std::vector<std::string> LinesOf(const TableCell& cell, std::size_t width) {
   return cell.is_whole ? std::vector{cell.text} : Wrapped(cell.text, width);
 }
 
-// The width of each column, at most `width` together with the gaps, or nothing if that is
-// impossible.
-std::vector<std::size_t> ColumnWidths(const std::vector<const Row*>& rows, std::size_t width) {
-  std::vector<std::size_t> widths(rows.empty() ? 0 : rows[0]->size()), least(widths.size());
+// The width of each of the first `count` columns, at most `width` together with the gaps, or
+// nothing if that is impossible.
+std::vector<std::size_t> ColumnWidths(const std::vector<const Row*>& rows, std::size_t count,
+                                      std::size_t width) {
+  std::vector<std::size_t> widths(count), least(count);
   for (const Row* row : rows) {
     for (std::size_t i = 0; i < widths.size(); ++i) {
       widths[i] = std::max(widths[i], DisplayWidth((*row)[i].text));
@@ -132,46 +133,43 @@ std::vector<std::size_t> ColumnWidths(const std::vector<const Row*>& rows, std::
   return used;
 }
 
-void AppendAligned(std::vector<std::string>& lines, const Row& row,
-                   const std::vector<std::size_t>& widths) {
+// The first cells in columns of these widths, then the others.
+void AppendRow(std::vector<std::string>& lines, const Row& row,
+               const std::vector<std::size_t>& widths, std::size_t width) {
+  constexpr std::size_t kIndentation = 4;
   const std::size_t first = lines.size();
-  std::size_t begin = 0;  // of the column
-  for (std::size_t i = 0; i < row.size(); ++i) {
+  lines.emplace_back();
+  std::size_t used = 0;  // of the last line, with the gap
+  for (std::size_t i = 0; i < widths.size(); ++i) {
     const auto cell_lines = LinesOf(row[i], widths[i]);
     for (std::size_t line = 0; line < cell_lines.size(); ++line) {
-      if (first + line == lines.size()) lines.emplace_back(begin, ' ');
+      if (first + line == lines.size()) lines.emplace_back(used, ' ');
       lines[first + line] += Colored(cell_lines[line], row[i].color);
     }
-    const std::string gap(i + 1 == row.size() ? 0 : kGap.size(), ' ');
     for (std::size_t line = 0; first + line < lines.size(); ++line) {
-      const std::size_t used = line < cell_lines.size() ? DisplayWidth(cell_lines[line]) : 0;
-      lines[first + line].append(widths[i] - used, ' ').append(gap);
+      const std::size_t text = line < cell_lines.size() ? DisplayWidth(cell_lines[line]) : 0;
+      lines[first + line].append(widths[i] - text, ' ').append(kGap);
     }
-    begin += widths[i] + gap.size();
+    used += widths[i] + kGap.size();
   }
-  for (std::size_t i = first; i < lines.size(); ++i) lines[i] = WithoutEnd(lines[i]);
-}
-
-void AppendUnaligned(std::vector<std::string>& lines, const Row& row, std::size_t width) {
-  constexpr std::size_t kIndentation = 4;
-  lines.emplace_back();
-  std::size_t used = 0;
-  for (const TableCell& cell : row) {
-    const std::size_t cell_width = DisplayWidth(cell.text);
-    const std::size_t gap = used == 0 ? 0 : kGap.size();
-    if (cell_width == 0) continue;
-    if (used + gap + cell_width <= width) {
-      lines.back().append(gap, ' ').append(Colored(cell.text, cell.color));
-      used += gap + cell_width;
+  bool has_room = lines.size() == first + 1;
+  for (std::size_t i = widths.size(); i < row.size(); ++i) {
+    const std::size_t text = DisplayWidth(row[i].text);
+    if (text == 0) continue;
+    if (has_room && used + text <= width) {
+      lines.back().append(Colored(row[i].text, row[i].color)).append(kGap);
+      used += text + kGap.size();
       continue;
     }
     const std::size_t indentation = used == 0 ? 0 : kIndentation;
     if (used == 0) lines.pop_back();
-    for (const std::string& line : LinesOf(cell, width - std::min(indentation, width))) {
-      lines.push_back(std::string(indentation, ' ') + Colored(line, cell.color));
-      used = indentation + DisplayWidth(line);
+    for (const std::string& line : LinesOf(row[i], width - std::min(indentation, width))) {
+      lines.emplace_back(indentation, ' ').append(Colored(line, row[i].color)).append(kGap);
+      used = indentation + DisplayWidth(line) + kGap.size();
     }
+    has_room = true;
   }
+  for (std::size_t i = first; i < lines.size(); ++i) lines[i] = WithoutEnd(lines[i]);
 }
 
 }  // namespace
@@ -204,27 +202,28 @@ std::vector<std::string> Wrapped(std::string_view text, std::size_t width) {
 }
 
 bool IsAlignable(const std::vector<Row>& rows, std::size_t width) {
-  return rows.empty() || !ColumnWidths(PointersTo(rows), width).empty();
+  return rows.empty() || !ColumnWidths(PointersTo(rows), rows[0].size(), width).empty();
 }
 
 std::vector<std::string> AlignedLines(const std::vector<Row>& rows, std::size_t width) {
-  std::vector<const Row*> aligned = PointersTo(rows);
-  std::vector<std::size_t> widths = ColumnWidths(aligned, width);
+  const std::vector<const Row*> all = PointersTo(rows);
+  std::vector<const Row*> aligned = all;
+  std::size_t columns = rows.empty() ? 0 : rows[0].size();
+  std::vector<std::size_t> widths = ColumnWidths(aligned, columns, width);
   if (widths.empty()) {
     // The others may fit without the rows that do not fit alone.
-    std::erase_if(aligned, [&](const Row* row) { return ColumnWidths({row}, width).empty(); });
-    widths = ColumnWidths(aligned, width);
-    if (widths.empty()) aligned.clear();
+    std::erase_if(aligned,
+                  [&](const Row* row) { return ColumnWidths({row}, columns, width).empty(); });
+    if (!aligned.empty()) widths = ColumnWidths(aligned, columns, width);
+    if (widths.empty()) aligned = all;
+    while (widths.empty() && columns > 0) widths = ColumnWidths(all, --columns, width);
   }
   std::vector<std::string> lines;
   auto next = aligned.begin();
   for (const Row& row : rows) {
-    if (next != aligned.end() && *next == &row) {
-      AppendAligned(lines, row, widths);
-      ++next;
-    } else {
-      AppendUnaligned(lines, row, width);
-    }
+    const bool is_aligned = next != aligned.end() && *next == &row;
+    AppendRow(lines, row, is_aligned ? widths : std::vector<std::size_t>(), width);
+    if (is_aligned) ++next;
   }
   return lines;
 }

@@ -33,9 +33,10 @@ using Row = std::vector<TableCell>;
 constexpr std::size_t kAnyWidth = -1;
 
 // All rows have the same number of cells. If a line would be wider than `width`, cells continue
-// below in the same column; the widest columns become narrower first. A row that does not fit that
-// way is not aligned: its cells follow each other, and continue on indented lines. With kAnyWidth,
-// each row is one line.
+// below in the same column; the widest columns become narrower first. If the columns do not fit
+// that way, only the first ones are aligned: the other cells follow each other, and continue on
+// indented lines. So do all cells of a row that does not fit alone. With kAnyWidth, each row is one
+// line.
 std::vector<std::string> AlignedLines(const std::vector<Row>& rows, std::size_t width = kAnyWidth);
 
 // The same as one text; each line ends in a newline.
