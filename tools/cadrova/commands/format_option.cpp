@@ -1,5 +1,7 @@
 #include "commands/format_option.h"
 
+#include <algorithm>
+
 #include "commands/shared_options.h"
 #include "common/text.h"
 #include "failure.h"
@@ -42,8 +44,9 @@ std::string FormatOption::Choose(const std::vector<std::pair<std::string, bool>>
 }
 
 std::vector<std::string> FormatOption::Names() const {
-  std::vector<std::string> names;
-  for (const auto& [format, is_given] : choices_) names.push_back(format.name);
+  std::vector<std::string> names(choices_.size());
+  std::ranges::transform(choices_, names.begin(),
+                         [](const Choice& choice) { return choice.format.name; });
   return names;
 }
 

@@ -33,7 +33,7 @@ class List : public Command {
     const KeyPattern pattern(pattern_.value_or(""));
     auto features = IndexFeatures({&contents});
     std::erase_if(features, [&](Feature& feature) {
-      return !pattern.Matches(feature.key) || (map_ && !SelectMap(feature));
+      return !pattern.Matches(feature.key) || (map_ && !SelectMap(feature, *map_));
     });
     if (format == "json") {
       JsonArrayPrinter array;
@@ -49,11 +49,11 @@ class List : public Command {
 
  private:
   // Keeps only the item of the map, and returns whether there is one.
-  bool SelectMap(Feature& feature) const {
-    const auto found = std::ranges::find(feature.maps, *map_);
+  static bool SelectMap(Feature& feature, const std::string& map) {
+    const auto found = std::ranges::find(feature.maps, map);
     if (found == feature.maps.end()) return false;
     feature.places = {feature.places[static_cast<std::size_t>(found - feature.maps.begin())]};
-    feature.maps = {*map_};
+    feature.maps = {map};
     return true;
   }
 
