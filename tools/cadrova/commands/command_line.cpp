@@ -158,7 +158,7 @@ class Parser {
   int Run(int argc, const char* const* argv) {
     if (argc > 1 && argv[1][0] != '-') FindCommand(argv[1]);
     try {
-      app_.parse(argc, argv);
+      app_.parse(WordsForParser(argc, argv));
     } catch (const CLI::ParseError& error) {
       return PrintOrThrow(error);
     }
@@ -185,6 +185,29 @@ class Parser {
   // For the terminal, and without the blank lines at the end of some texts of CLI11.
   static std::string Trimmed(const std::string& text) {
     return FitTerminal(text.substr(0, text.find_last_not_of('\n') + 1));
+  }
+
+  // CLI11 takes the words in reverse order. Of "--name=", it would take the next word as the value,
+  // so the empty value becomes a word.
+  std::vector<std::string> WordsForParser(int argc, const char* const* argv) const {
+    std::vector<std::string> words;
+    const bool has_command = argc > 1 && argv[1][0] != '-';
+    const CLI::App* const app = has_command ? app_.get_subcommand(argv[1]) : nullptr;
+    bool are_options_over = app == nullptr;
+    for (int i = 1; i < argc; ++i) {
+      std::string word = argv[i];
+      are_options_over = are_options_over || word == "--";
+      const bool may_be_option = !are_options_over && word.starts_with("--") && word.ends_with('=');
+      const std::string name = word.substr(0, word.size() - (may_be_option ? 1 : 0));
+      const auto* const option = may_be_option ? app->get_option_no_throw(name) : nullptr;
+      if (option != nullptr && option->get_items_expected_max() > 0) {
+        words.push_back(name);
+        word.clear();
+      }
+      words.push_back(word);
+    }
+    std::ranges::reverse(words);
+    return words;
   }
 
   // CLI11 also throws help and version texts as errors.

@@ -161,7 +161,8 @@ class ExplainCommand : public Command {
   std::vector<std::vector<Query>> QueriesByKind(const host::Contents* contents) const {
     if (!is_key_alone()) return {{GivenQuery()}};
     const std::string& key = key_or_family_;
-    const auto kinds = kind_ ? std::vector{FindKind(*kind_)} : KindsOf(key, contents);
+    auto kinds = KindsOf(key, contents);
+    if (kind_ && !kinds.empty()) kinds = {FindKind(*kind_)};
     if (family_ && kinds.size() == 1) return {{MakeQuery(*family_, ToString(kinds[0]), key)}};
     std::vector<std::vector<Query>> by_kind;
     for (const Kind kind : kinds) {

@@ -377,7 +377,8 @@ std::vector<const Checker::SetItem*> Checker::SetItems(const std::string& key) c
 void Checker::CheckUse() {
   for (const auto& [key, items] : items_) {
     if (families_.Find(key).empty()) {
-      Add("unused-key", *items[0], "no trace contains a lookup of " + DisplayName(key));
+      Add("unused-key", items[0]->place, "no trace contains a lookup of " + DisplayName(key), "",
+          key);
     }
   }
 }
@@ -395,7 +396,8 @@ std::vector<Finding> Sorted(std::vector<Finding> findings) {
     const bool follows_error = !sorted.empty() && sorted.back().is_error &&
                                sorted.back().file == finding.file &&
                                sorted.back().place == finding.place;
-    if (finding.is_error || !follows_error) sorted.push_back(std::move(finding));
+    const bool is_about_item = !finding.map.empty();
+    if (finding.is_error || !follows_error || !is_about_item) sorted.push_back(std::move(finding));
   }
   return sorted;
 }

@@ -32,7 +32,7 @@ Finding MakeFinding(const std::string& type, const std::string& file, host::Plac
                     const std::string& message, const std::string& map = "",
                     const std::string& key = "");
 
-// In the order of the files, without duplicates, and without warnings at the place of an error.
+// In the order of the files, without duplicates, and without warnings about an item with an error.
 std::vector<Finding> Sorted(std::vector<Finding> findings);
 
 // All findings in `contents` for these devices, in any order. If codes are derived from map names,

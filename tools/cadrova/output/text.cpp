@@ -113,8 +113,10 @@ class MatrixRows {
         map ? long_values_.ToText(ToJsonText(value)) + ' ' + DisplayName(*map) : "no map";
     if (cell.passed_over != nullptr) {
       text.append(" ").append(kMark);
-      const auto known = std::ranges::find(passed_over_, cell.passed_over);
-      if (known == passed_over_.end()) passed_over_.push_back(cell.passed_over);
+      const bool is_known = std::ranges::any_of(passed_over_, [&](const PassedOver* other) {
+        return other->map == cell.passed_over->map && other->kinds == cell.passed_over->kinds;
+      });
+      if (!is_known) passed_over_.push_back(cell.passed_over);
     }
     return {text, MapColor(*family_, cell.position)};
   }
