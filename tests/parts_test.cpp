@@ -764,7 +764,14 @@ TEST(HtmlReport, IsEqualToTheGoldenFile) {
       report.Add(chains.family(), LayOut(chains, chains.Collect(kind, key, &maps)));
     }
   }
-  ExpectGolden(report.ToHtml(), "report.html");
+  // A browser runs the script in another check.
+  std::string html = report.ToHtml();
+  for (const std::string element : {"style", "script"}) {
+    const std::size_t begin = html.find('<' + element + '>'), end = html.find("</" + element + '>');
+    ASSERT_LT(begin, end);
+    html.erase(begin, end - begin);
+  }
+  ExpectGolden(html, "report.html");
 }
 
 // Items that are set are not in the file.
