@@ -295,6 +295,7 @@ TEST(Text, IsWrappedAtBlanksAndAfterElements) {
       {"漢字 é\u0301é", 4, {"漢字", "é\u0301é"}}, {"漢字 漢", 6, {"漢字", "漢"}}, {"漢字 漢", 7, {"漢字 漢"}},
       {"[1,22,333,4]", 6, {"[1,22,", "333,4]"}}, {"[1,22,333,4]", 5, {"[1,", "22,", "333,", "4]"}},
       {R"([["a","b"],["c","d"]])", 12, {R"([["a","b"],)", R"(["c","d"]])"}},
+      {R"([["aaa","bbb"],["c","d"]])", 8, {R"([["aaa",)", R"("bbb"],)", R"(["c",)", R"("d"]])"}},
       // Within quotes only if the quoted text does not fit.
       {R"("a b", "c d")", 9, {R"("a b",)", R"("c d")"}}, {R"("a b" "c d")", 4, {R"("a)", R"(b")", R"("c)", R"(d")"}},
       {R"(["a, b","c\" d"])", 10, {R"(["a, b",)", R"("c\" d"])"}}, {R"("a [ b" c,d)", 7, {R"("a [ b")", "c,d"}},
@@ -796,7 +797,7 @@ TEST(Completion, OffersTheRegionOfADeviceAndThenTheCarrier) {
                                                  {"/X", {"/X1"}},
                                                  {"X", {}}};
   for (const auto& [typed, candidates] : cases) {
-    EXPECT_EQ(Candidates({"", typed, ValueType::kDevice, {{ValueType::kDataFile, data}}}),
+    EXPECT_EQ(Candidates({"", typed, ValueType::kDeviceOrKey, {{ValueType::kDataFile, data}}}),
               candidates)
         << typed;
   }

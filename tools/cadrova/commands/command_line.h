@@ -29,7 +29,7 @@ enum class ValueType {
   kCarrier,
   kRegions,  // comma-separated
   kCarriers,
-  kDevice,  // REGION/CARRIER
+  kDeviceOrKey,  // REGION/CARRIER, or a part of a key
 };
 // One of these types, or a list of all values.
 using Completion = std::variant<ValueType, std::vector<std::string>>;

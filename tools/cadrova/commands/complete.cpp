@@ -8,8 +8,10 @@
 #include <string_view>
 #include <system_error>
 
+#include "commands/shared_options.h"
 #include "failure.h"
 #include "fleet/devices.h"
+#include "fleet/fleet_file.h"
 #include "lookup/data_source.h"
 #include "lookup/families.h"
 
@@ -48,12 +50,16 @@ std::string Unquoted(const std::string& word) {
   return text;
 }
 
+std::optional<std::string> DataFileOf(const Given& given) {
+  const auto found = given.find(ValueType::kDataFile);
+  return found == given.end() ? DefaultDataFile() : found->second;
+}
+
 // Makes the core use the data that the command would use, and returns whether it can. Does not wait
 // for standard input or for the writer of a pipe.
 bool UseData(const Given& given) {
   if (!HasFakeCore()) return false;
-  const auto found = given.find(ValueType::kDataFile);
-  const auto file = found == given.end() ? DefaultDataFile() : found->second;
+  const auto file = DataFileOf(given);
   if (!file) return true;
   std::error_code error;
   if (*file == "-" || !std::filesystem::is_regular_file(*file, error)) return false;
@@ -120,13 +126,34 @@ Names ListOthers(Names codes, IncompleteWord& word) {
   return codes;
 }
 
+// Of the fleet file beside the data, or of the maps.
+Fleet ListCodes(const Given& given) {
+  const auto maps = ListMapNames();
+  std::optional<FleetFile> file;
+  const auto data = DataFileOf(given);
+  const auto path = data ? FindFleetFile(*data) : std::nullopt;
+  if (path) file = ReadFleetFile(*path);
+  return FleetChoice{file ? &*file : nullptr, {}, {}}.ToFleet(maps);
+}
+
+// A device begins with its region. Another word is a part of a key.
+Names ListRegionsAndKeys(Names regions, const IncompleteWord& word) {
+  for (std::string& region : regions) region += '/';
+  const Names keys = ListKeys(word.rest, word.given);
+  regions.insert(regions.end(), keys.begin(), keys.end());
+  return regions;
+}
+
+Names ListCarriersOf(const Names& carriers, IncompleteWord& word) {
+  SplitAfter('/', word);
+  return carriers;
+}
+
 Names ListData(ValueType type, IncompleteWord& word) {
   if (!UseData(word.given)) return {};
   if (type == ValueType::kKey) return ListKeys(word.rest, word.given);
-  auto maps = ListMapNames();
-  if (type == ValueType::kMap) return maps;
-  auto [regions, carriers, has_device] = FleetOf(maps);
-  const bool is_region_complete = word.rest.find('/') != std::string::npos;
+  if (type == ValueType::kMap) return ListMapNames();
+  auto [regions, carriers, has_device] = ListCodes(word.given);
   switch (type) {
     case ValueType::kRegion:
       return regions;
@@ -136,10 +163,9 @@ Names ListData(ValueType type, IncompleteWord& word) {
       return ListOthers(regions, word);
     case ValueType::kCarriers:
       return ListOthers(carriers, word);
-    case ValueType::kDevice:
-      SplitAfter('/', word);
-      for (std::string& region : regions) region += '/';
-      return is_region_complete ? carriers : regions;
+    case ValueType::kDeviceOrKey:
+      return word.rest.find('/') == std::string::npos ? ListRegionsAndKeys(regions, word)
+                                                      : ListCarriersOf(carriers, word);
     default:
       return {};
   }

@@ -23,7 +23,7 @@ class DeviceCommand : public Command {
   void DeclareOptions(Options& options) override {
     options.AddRemaining("REGION/CARRIER", words_,
                          "One or two devices, and perhaps a pattern for keys, as for list",
-                         Options::Need::kOptional, ValueType::kDevice);
+                         Options::Need::kOptional, ValueType::kDeviceOrKey);
     device_.DeclareOptions(options);
     options.Add("--family", family_, "FAMILY", "Only this family (default: carrier-region and sim)",
                 ValueType::kFamily);

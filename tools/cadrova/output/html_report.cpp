@@ -51,8 +51,10 @@ std::string CodesHtml(const CodeGroup& group, const std::vector<std::string>& co
 }
 
 std::string OptionsHtml(const std::vector<std::string>& codes) {
-  return Join(codes, "",
-              [](const std::string& code) { return "<option>" + Escaped(CodeText(code)); });
+  return Join(codes, "", [](const std::string& code) {
+    const std::string text = Escaped(CodeText(code));
+    return "<option value=\"" + text + "\">" + text;
+  });
 }
 
 // The heading of a row or column. The script reads from `data-of` which codes it has; a heading

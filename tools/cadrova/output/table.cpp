@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <clocale>
 #include <cwchar>
+#include <limits>
 #include <numeric>
 
 #include "common/text.h"
@@ -54,6 +55,7 @@ std::vector<std::string_view> PartsOf(std::string_view text, Quotes quotes) {
   std::vector<std::string_view> parts;
   bool is_quoted = false;
   int depth = 0;  // in lists
+  const int deepest = quotes == Quotes::kBroken ? std::numeric_limits<int>::max() : 1;
   std::size_t begin = 0;
   for (std::size_t i = 0; i + 1 < text.size(); ++i) {
     const char byte = text[i];
@@ -63,8 +65,9 @@ std::vector<std::string_view> PartsOf(std::string_view text, Quotes quotes) {
     }
     if (byte == '"') is_quoted = !is_quoted;
     if (!is_quoted) depth += byte == '[' ? 1 : byte == ']' ? -1 : 0;
+    const bool is_after_element = !is_quoted && depth >= 1 && depth <= deepest;
     const bool is_separator = byte == ' '   ? !is_quoted || quotes == Quotes::kBroken
-                              : byte == ',' ? !is_quoted && depth == 1
+                              : byte == ',' ? is_after_element
                                             : false;
     const bool is_blank = WithoutEnd(text.substr(begin, i + 1 - begin)).empty();
     if (!is_separator || is_blank || text[i + 1] == ' ') continue;
