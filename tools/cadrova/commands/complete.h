@@ -16,7 +16,7 @@ namespace cadrova::tools {
 int Complete(const std::vector<std::string>& words);
 
 // What the word may become, except names of files and programs. Throws a Failure if the values are
-// in the data, and it can't be read.
+// in the fleet file, and it has an error.
 std::vector<std::string> Candidates(IncompleteWord word);
 
 }  // namespace cadrova::tools
