@@ -132,7 +132,7 @@ class ExplainCommand : public Command {
       PrintText(by_kind, data);
     }
     if (!by_kind.empty()) return kSuccess;
-    PrintError("cadrova: no map contains " + DisplayName(key_or_family_) + DidYouMean(data));
+    PrintError("cadrova: " + WhatIsMissing(data));
     return kNegative;
   }
 
@@ -141,6 +141,8 @@ class ExplainCommand : public Command {
 
   void CheckArguments() const {
     if (given_kind_ && !key_) throw Failure("give KEY; or FAMILY, KIND, KEY and perhaps DEFAULT");
+    if (family_) FindFamily(*family_);
+    if (kind_) FindKind(*kind_);
     if (is_key_alone() && steps_) throw Failure("--steps needs FAMILY, KIND and KEY");
     if (!is_key_alone() && (family_ || kind_)) {
       throw Failure("--family and --kind are only for KEY alone; FAMILY and KIND are given");
@@ -202,10 +204,12 @@ class ExplainCommand : public Command {
     return {contents.file, OtherMaps(contents, chain, key), SimilarKeys(contents, chain, key)};
   }
 
-  std::string DidYouMean(const host::Contents* contents) const {
-    if (contents == nullptr) return " on this device";
+  // "no map contains rign; did you mean ring?"
+  std::string WhatIsMissing(const host::Contents* contents) const {
+    const std::string missing = "no map contains " + DisplayName(key_or_family_);
+    if (contents == nullptr) return missing + " on this device";
     const auto similar = SuggestByPart(key_or_family_, Keys(*contents));
-    return similar ? "; did you mean " + DisplayName(*similar) + '?' : "";
+    return missing + (similar ? DidYouMean(*similar) : "");
   }
 
   std::string key_or_family_;

@@ -73,10 +73,6 @@ class List : public Command {
            pattern.WithSuggestion(keys);
   }
 
-  static std::string DidYouMean(const std::string& name) {
-    return "; did you mean " + DisplayName(name) + '?';
-  }
-
   std::optional<std::string> pattern_, map_;
   DataOption data_;
   FormatOption format_{

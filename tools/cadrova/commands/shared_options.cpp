@@ -49,7 +49,7 @@ std::string DoubtOf(const std::string& code, CodeType type, const FleetFile* fil
   if (declared == nullptr && similar == known.end()) return "";
   return (declared != nullptr ? "no device in " + file->path + " has " : "no map uses ") +
          (is_region ? "region " : "carrier ") + DisplayName(code) +
-         (similar == known.end() ? "" : "; did you mean " + DisplayName(*similar) + '?');
+         (similar == known.end() ? "" : DidYouMean(*similar));
 }
 
 // Only once: a command may look at several customization files.

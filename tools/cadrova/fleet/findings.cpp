@@ -130,12 +130,8 @@ bool IsInMap(const std::string& map, const std::vector<const Item*>& items) {
   return std::ranges::find(items, map, &Item::map) != items.end();
 }
 
-std::string DidYouMean(const std::string& name) {
-  return "; did you mean " + DisplayName(name) + '?';
-}
-
 // The first three, or "".
-std::string DidYouMean(const std::vector<Suggestion>& suggestions) {
+std::string DidYouMeanOneOf(const std::vector<Suggestion>& suggestions) {
   const auto shown = std::span(suggestions).first(std::min<std::size_t>(3, suggestions.size()));
   const auto name = [](const Suggestion& suggestion) { return DisplayName(suggestion.name); };
   return shown.empty() ? "" : "; did you mean " + Join(shown, " or ", name) + '?';
@@ -319,7 +315,7 @@ void Checker::CheckLookups() {
         auto similar = index.Suggest(key);
         const bool is_fast = reported.size() * keys.size() < 1'000'000;
         if (similar.empty() && is_fast) similar = Suggest(key, keys);
-        message += DidYouMean(similar);
+        message += DidYouMeanOneOf(similar);
       }
       findings_.push_back(MakeFinding(type, log.file, {lookup.line, 0}, message, map, key));
       reported.emplace(key, lookup.kind);

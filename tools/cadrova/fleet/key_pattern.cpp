@@ -20,7 +20,7 @@ std::string KeyPattern::WithSuggestion(const std::vector<std::string>& keys) con
   std::erase_if(text, [](char byte) { return std::strchr("*?[]", byte) != nullptr; });
   const auto similar = SuggestByPart(text, keys);
   return "matches '" + (pattern_.empty() ? "*" : pattern_) + '\'' +
-         (similar ? "; did you mean " + DisplayName(*similar) + '?' : "");
+         (similar ? DidYouMean(*similar) : "");
 }
 
 }  // namespace cadrova::tools

@@ -8,6 +8,8 @@
 #include <string_view>
 #include <tuple>
 
+#include "common/text.h"
+
 namespace cadrova::tools {
 namespace {
 
@@ -130,6 +132,10 @@ std::string SortedWords(const std::string& name) {
   std::string sorted;
   for (const std::string& word : words) sorted += word.empty() ? "" : word + ' ';
   return sorted;
+}
+
+std::string DidYouMean(const std::string& name) {
+  return "; did you mean " + DisplayName(name) + '?';
 }
 
 Suggestion Compare(const std::string& name, const std::string& existing) {

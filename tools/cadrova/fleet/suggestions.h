@@ -19,6 +19,9 @@ struct Suggestion {
   auto operator<=>(const Suggestion&) const = default;
 };
 
+// "; did you mean ring?", for the end of a message.
+std::string DidYouMean(const std::string& name);
+
 // Ignores case. One additional level in front of either name ("ring.seconds" and "seconds") is a
 // distance of 1.
 Suggestion Compare(const std::string& name, const std::string& existing);
