@@ -790,7 +790,10 @@ TEST(Features, HaveThePlacesOfItemsInTheFile) {
 }
 
 TEST(Completion, OffersTheRegionOfADeviceAndThenTheCarrier) {
-  const std::string data = TemporaryFile("devices.toml", "[EU]\n[ES]\n[US]\n[COTA_X1]\n[SIM_N7]\n");
+  // Other tests write a fleet file beside their data.
+  std::filesystem::create_directory(kTemporaryFolder.path + "/devices");
+  const std::string data =
+      TemporaryFile("devices/devices.toml", "[EU]\n[ES]\n[US]\n[COTA_X1]\n[SIM_N7]\n");
   const std::pair<std::string, Names> cases[] = {{"", {"/", "ES/", "EU/", "US/"}},
                                                  {"E", {"ES/", "EU/"}},
                                                  {"EU/", {"EU/N7", "EU/X1"}},
